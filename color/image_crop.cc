@@ -1,0 +1,120 @@
+#include "color/image_crop.h"
+
+#include "framework/clock.h"
+#include "framework/formats.h"
+#include "framework/safe_string.h"
+
+namespace Lumaforge {
+namespace {
+
+// Planes a layout does not use may be null; they stay null.
+uint8_t* Advance(uint8_t* plane, size_t bytes) { return plane ? plane + bytes : nullptr; }
+
+}  // namespace
+
+CImageCrop::CImageCrop(uint32_t /*cpuFeatures*/) {
+  SetName("IMAGECROP");
+  CreateLogger();
+}
+
+CImageCrop::~CImageCrop() { ResetTiming(); }
+
+int32_t CImageCrop::Init(void* config, uint8_t /*flag*/) {
+  if (config) memcpy_s(&m_config, sizeof(m_config), config, sizeof(CropConfig));
+  return LF_OK;
+}
+
+int32_t CImageCrop::Uninit() {
+  ResetTiming();
+  return LF_OK;
+}
+
+int32_t CImageCrop::SetParam(ParamId id, void* value) {
+  if (!value) return LF_INVALID_PARAMETER;
+  if (id == LF_PARAM_CROP_CONFIG) memcpy_s(&m_config, sizeof(m_config), value, sizeof(CropConfig));
+  return LF_OK;
+}
+
+int32_t CImageCrop::GetParam(ParamId id, void* value) {
+  if (!value) return LF_INVALID_PARAMETER;
+  if (id == LF_PARAM_TIME_PER_FRAME) *static_cast<double*>(value) = MicrosecondsPerFrame();
+  return LF_OK;
+}
+
+bool CImageCrop::ComputeRectangle(uint32_t code, uint32_t width, uint32_t height) {
+  const CropConfig& c = m_config;
+  if (!(c.top < height && c.left < width && c.width != 0 && c.height != 0)) return false;
+  CropRectangle r;
+  if (c.mode == 1) {
+    r = {c.top, c.left, c.width, c.height};
+    if (r.left + r.width > width) r.width = width - r.left;
+    if (r.top + r.height > height) r.height = height - r.top;
+  } else if (c.mode == 0) {
+    // Fitted at the top-left corner, not centred.
+    const bool pictureIsWider = static_cast<float>(width) / static_cast<float>(height) >
+                                static_cast<float>(c.width) / static_cast<float>(c.height);
+    if (pictureIsWider) {
+      r.width = c.width * height / c.height;
+      r.height = height;
+    } else {
+      r.width = width;
+      r.height = c.height * width / c.width;
+    }
+  } else {
+    return false;
+  }
+  if (IsChromaSubsampled(code)) {
+    r.top &= ~1u;
+    r.left &= ~1u;
+    r.width &= ~1u;
+    r.height &= ~1u;
+  }
+  m_rect = r;
+  return true;
+}
+
+int32_t CImageCrop::Process(VideoPicture* input, VideoPicture* output) {
+  const int64_t startUs = NowMicroseconds();
+  if (!input || !output) return LF_INVALID_PARAMETER;
+  const uint32_t code = FormatCode(input->format);
+  if (!ComputeRectangle(code, input->width, input->height)) return LF_INVALID_PARAMETER;
+
+  output->format = input->format;
+  output->width = m_rect.width;
+  output->height = m_rect.height;
+  for (int k = 0; k < 3; ++k) {
+    output->planes[k] = input->planes[k];
+    output->strides[k] = input->strides[k];
+  }
+  // The whole picture: nothing moves, and the call is not timed.
+  if (m_rect.width == input->width && m_rect.height == input->height) return LF_OK;
+
+  const size_t top = m_rect.top;
+  const size_t left = m_rect.left;
+  auto offsetPlane0 = [&](size_t bytesPerPixel) {
+    uint8_t* plane0 = Advance(input->planes[0], top * input->strides[0] + left * bytesPerPixel);
+    output->planes[0] = output->planes[1] = output->planes[2] = plane0;
+  };
+  if (IsPackedRgb24(code)) {
+    offsetPlane0(3);
+  } else if (IsPackedRgb32(code)) {
+    offsetPlane0(4);
+  } else if (IsPacked422(code)) {
+    offsetPlane0(2);
+  } else if (IsPlanar420(code) || code == LF_I440) {
+    // I440 chroma keeps full width, so its column offset is not halved.
+    const size_t chromaLeft = code == LF_I440 ? left : left / 2;
+    output->planes[0] = Advance(input->planes[0], top * input->strides[0] + left);
+    for (int k = 1; k < 3; ++k)
+      output->planes[k] = Advance(input->planes[k], (top / 2) * input->strides[k] + chromaLeft);
+  } else if (IsSemiPlanar420(code)) {
+    output->planes[0] = Advance(input->planes[0], top * input->strides[0] + left);
+    output->planes[1] = output->planes[2] = Advance(input->planes[1], (top / 2) * input->strides[1] + left);
+  } else {
+    return LF_INVALID_PARAMETER;
+  }
+  FinishFrameTiming(startUs);
+  return LF_OK;
+}
+
+}  // namespace Lumaforge

@@ -1,0 +1,19 @@
+#include "color/kernels/chroma_interleave.h"
+
+namespace Lumaforge {
+
+void MergeUVRow_c(const uint8_t* u, const uint8_t* v, uint8_t* uv, int32_t width) {
+  for (int32_t i = 0; i < width; ++i) {
+    uv[2 * i] = u[i];
+    uv[2 * i + 1] = v[i];
+  }
+}
+
+void SplitUVRow_c(const uint8_t* uv, uint8_t* u, uint8_t* v, int32_t width) {
+  for (int32_t i = 0; i < width; ++i) {
+    u[i] = uv[2 * i];
+    v[i] = uv[2 * i + 1];
+  }
+}
+
+}  // namespace Lumaforge

@@ -1,0 +1,31 @@
+// Work-memory helpers shared by the filters.
+#ifndef LUMAFORGE_FRAMEWORK_BUFFERS_H_
+#define LUMAFORGE_FRAMEWORK_BUFFERS_H_
+
+#include <cstdint>
+
+namespace Lumaforge {
+
+// A zeroed block of `size` bytes at a 16-byte-aligned address, or null.
+// The block's heap start and `size` are kept just below the returned address.
+uint8_t* AlignedAlloc(uint32_t size);
+// Frees a block from AlignedAlloc; null is ignored.
+void AlignedFree(void* block);
+
+// Grow-only buffer: returns `buffer` when `capacity` already covers `needed`;
+// otherwise a new block of (needed rounded up to 16) + 32 bytes holding the
+// old contents, with `capacity` updated. Null on failure.
+uint8_t* EnsureCapacity(uint8_t* buffer, uint32_t& capacity, uint32_t needed);
+
+// Replicates the edges of a width x height plane into `pad` samples on every
+// side (the memory around the plane must exist); corners take the corner samples.
+void PadPlaneEdges(uint8_t* plane, int32_t stride, int32_t width, int32_t height, int32_t pad);
+
+// Sets columns width..paddedWidth-1 of the first `height` rows, and rows
+// height..paddedHeight-1 over paddedWidth bytes, to `value`.
+void FillPlaneMargin(uint8_t* plane, int32_t width, int32_t paddedWidth, int32_t height, int32_t paddedHeight,
+                     int32_t stride, uint8_t value);
+
+}  // namespace Lumaforge
+
+#endif  // LUMAFORGE_FRAMEWORK_BUFFERS_H_

@@ -1,0 +1,25 @@
+#include "framework/filter_types.h"
+
+#include <new>
+
+#include "color/image_crop.h"
+
+namespace Lumaforge {
+namespace {
+
+template <typename Filter>
+CLumaforgeFramework* Create(uint32_t cpuFeatures) {
+  return new (std::nothrow) Filter(cpuFeatures);
+}
+
+}  // namespace
+
+const FilterTypeInfo* FindFilterType(int32_t type) {
+  static const FilterTypeInfo kCrop{Create<CImageCrop>, "Create ImageCrop(%p)", false};
+  switch (type) {
+    case LF_FILTER_CROP: return &kCrop;
+    default: return nullptr;
+  }
+}
+
+}  // namespace Lumaforge

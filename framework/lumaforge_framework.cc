@@ -1,0 +1,60 @@
+#include "framework/lumaforge_framework.h"
+
+#include <new>
+
+#include "framework/clock.h"
+
+namespace Lumaforge {
+namespace {
+
+constexpr int64_t kDefaultLogIntervalMs = 10000;
+
+}  // namespace
+
+CLumaforgeFramework::CLumaforgeFramework() : m_pTiming(new (std::nothrow) TimingRecord) {
+  if (m_pTiming) m_pTiming->startMs = NowMilliseconds();
+}
+
+CLumaforgeFramework::~CLumaforgeFramework() = default;
+
+void CLumaforgeFramework::CreateLogger() {
+  if (!m_pLogger) m_pLogger.reset(new (std::nothrow) Logger(reinterpret_cast<uint64_t>(this), m_strName));
+}
+
+void CLumaforgeFramework::SetLogInterval(const int32_t* milliseconds) {
+  if (milliseconds) m_iLogInterval = *milliseconds;
+}
+
+void CLumaforgeFramework::ResetTiming() {
+  if (!m_pTiming) return;
+  m_pTiming->startMs = NowMilliseconds();
+  m_pTiming->accumulatedUs = 0;
+  m_pTiming->frames = 0;
+  m_pTiming->spare = 0;
+}
+
+void CLumaforgeFramework::FinishFrameTiming(int64_t startUs) {
+  if (!m_pTiming) return;
+  m_pTiming->accumulatedUs += NowMicroseconds() - startUs;
+  m_pTiming->frames += 1;
+  LogFrameTiming(m_pTiming.get());
+}
+
+double CLumaforgeFramework::MicrosecondsPerFrame() const {
+  if (!m_pTiming) return 0.0;
+  return static_cast<double>(m_pTiming->accumulatedUs) / static_cast<double>(m_pTiming->frames);
+}
+
+void CLumaforgeFramework::LogFrameTiming(TimingRecord* record) {
+  if (!record || !m_pLogger) return;
+  const int64_t now = NowMilliseconds();
+  const int64_t interval = m_iLogInterval < 1 ? kDefaultLogIntervalMs : m_iLogInterval;
+  if (now - record->startMs <= interval) return;
+  m_pLogger->Info("%f ms per frame",
+                  static_cast<double>(record->accumulatedUs) / (static_cast<double>(record->frames) * 1000.0));
+  record->startMs = now;
+  record->accumulatedUs = 0;
+  record->frames = 0;
+}
+
+}  // namespace Lumaforge

@@ -1,0 +1,161 @@
+// Lumaforge: video processing for real-time media hosts.
+//
+// The whole public interface. A host creates one ILumaforge with
+// CreateLumaforge, initialises the filters it needs by filter type, passes
+// pictures through them frame by frame, and releases the object with
+// DestroyLumaforge. Every call returns a LumaforgeStatus value; nothing is
+// thrown across this interface. One ILumaforge must be used from one thread at
+// a time.
+#ifndef LUMAFORGE_LUMAFORGE_H_
+#define LUMAFORGE_LUMAFORGE_H_
+
+#include <stddef.h>
+#include <stdint.h>
+
+#if defined(_WIN32)
+#if defined(LUMAFORGE_BUILDING_LIBRARY)
+#define LUMAFORGE_API __declspec(dllexport)
+#else
+#define LUMAFORGE_API __declspec(dllimport)
+#endif
+#else
+#define LUMAFORGE_API __attribute__((visibility("default")))
+#endif
+
+// Status codes returned by every operation.
+enum LumaforgeStatus : int32_t {
+  LF_OK = 0,
+  LF_FAILED = -1,              // refused uninitialise, failed allocation, request not carried out
+  LF_INVALID_PARAMETER = -2,   // null pointer, type out of range, unusable configuration or picture
+  LF_SETUP_ALLOC_FAILED = -3,  // allocation failure inside a set-up step, or no logger
+  LF_UNSUPPORTED = -4,         // unsupported format, format pair, size mismatch or parameter id
+  LF_NOT_CREATED = -5,         // Process on a filter type that was never initialised
+  LF_PARAM_NOT_READY = -7,     // SetParam/GetParam on a filter that is not created or set up
+  LF_UPSAMPLE_FORMAT = -8,     // unsupported format in the upsampling filter
+};
+
+// Picture formats: bits 0-30 of VideoPicture::format. Bit 31 marks rows
+// stored bottom-up (LF_FORMAT_BOTTOM_UP).
+enum PixelFormat : uint32_t {
+  LF_RGB24 = 1,  // packed R, G, B
+  LF_RGBA = 2,   // packed R, G, B, A
+  LF_BGR24 = 5,  // packed B, G, R
+  LF_BGRA = 6,   // packed B, G, R, A
+  LF_ABGR = 7,   // packed A, B, G, R
+  LF_ARGB = 8,   // packed A, R, G, B
+  LF_RGBP = 9,   // planar R, G, B in one buffer: plane k at k * strides[0] * height
+  LF_BGRP = 10,  // as LF_RGBP, planes B, G, R
+  LF_YUY2 = 20,  // packed 4:2:2 Y0 U Y1 V
+  LF_YVYU = 21,  // packed 4:2:2 Y0 V Y1 U
+  LF_UYVY = 22,  // packed 4:2:2 U Y0 V Y1
+  LF_I420 = 23,  // planar 4:2:0 Y, U, V
+  LF_YV12 = 24,  // planar 4:2:0 Y, V, U
+  LF_NV12 = 26,  // Y plane, interleaved U V plane at half height
+  LF_NV21 = 29,  // Y plane, interleaved V U plane at half height
+  LF_I440 = 30,  // planar, chroma full width and half height
+  LF_VYUY = 31,  // packed 4:2:2 V Y0 U Y1 (a grey plane for scaling and blur)
+};
+
+#define LF_FORMAT_BOTTOM_UP 0x80000000u
+#define LF_FORMAT_CODE_MASK 0x7fffffffu
+
+// Parameter ids for SetParam/GetParam. One numbering for all filters; each
+// filter accepts the ids listed beside it.
+enum ParamId : int32_t {
+  LF_PARAM_LOG_CALLBACK = 43,     // SetParam, uint64_t: a LumaforgeLogCallback (0 keeps the current one)
+  LF_PARAM_LOG_LEVEL = 44,        // SetParam, int32_t: highest level written, -1 silences
+  LF_PARAM_LOG_USER_VALUE = 49,   // SetParam, uint64_t: first argument of the log callback
+  LF_PARAM_TIMING_INTERVAL = 53,  // SetParam, int32_t ms between timing lines (<1 means 10000); answers -1
+  LF_PARAM_TIME_PER_FRAME = 54,   // GetParam, double: microseconds per frame since the last timing line
+  LF_PARAM_CROP_CONFIG = 58,      // SetParam on the crop filter, CropConfig
+};
+
+// Filter types: the first argument of every ILumaforge call.
+enum FilterType : int32_t {
+  LF_FILTER_ALL = 0,  // SetParam only: the manager and every existing filter
+  LF_FILTER_CROP = 16,
+};
+
+// Log levels, and the callback that receives finished log lines.
+enum LogLevel : int32_t {
+  LF_LOG_ERROR = 0,
+  LF_LOG_WARNING = 1,
+  LF_LOG_INFO = 2,
+  LF_LOG_DEBUG = 3,
+  LF_LOG_DETAIL = 4,
+};
+typedef int (*LumaforgeLogCallback)(uint64_t userValue, int32_t level, const char* text);
+
+// One picture in the host's memory. The library never allocates or frees
+// the pixels behind it; filters write into the output record's planes (crop
+// writes pointers into the input instead). The layout is fixed: reserved
+// words are part of it, and callers always pass the whole record.
+struct VideoPicture {
+  uint8_t* planes[3];   // plane 0, 1, 2; unused planes may be null
+  uint32_t strides[3];  // bytes from one row to the next, per plane
+  uint32_t width;       // pixels
+  uint32_t height;      // rows of plane 0
+  uint32_t dataSize;    // bytes behind `data` (decoders)
+  uint32_t format;      // PixelFormat code | LF_FORMAT_BOTTOM_UP
+  uint32_t reserved0;
+  uint8_t* qpMap;  // one quantiser byte per 16x16 block, raster order, or null
+  uint32_t aux0;
+  uint32_t aux1;
+  uint32_t aux2;
+  int32_t maskWidth;
+  int32_t maskHeight;
+  uint32_t reserved1;
+  uint8_t* mask;  // one byte per pixel, rows of maskWidth bytes, or null
+  uint32_t decoderWord;
+  uint32_t reserved2;
+  uint8_t* data;  // one contiguous pixel buffer (decoders)
+  uint32_t frameDurationMs;
+};
+
+#if defined(__cplusplus) && (defined(__x86_64__) || defined(_M_X64))
+static_assert(offsetof(VideoPicture, aux1) == 68, "VideoPicture layout is fixed by the host");
+static_assert(offsetof(VideoPicture, aux2) == 72, "VideoPicture layout is fixed by the host");
+static_assert(sizeof(VideoPicture) == 120, "VideoPicture layout is fixed by the host");
+#endif
+
+// Crop filter (type 16) configuration, for Init and LF_PARAM_CROP_CONFIG.
+struct CropConfig {
+  uint32_t mode;    // 0: fit the aspect ratio width:height at the top-left corner; 1: explicit rectangle
+  uint32_t top;     // first row (mode 1); must be below the picture height in both modes
+  uint32_t left;    // first column (mode 1); must be left of the picture width in both modes
+  uint32_t width;   // rectangle width (mode 1) or aspect numerator (mode 0); not 0
+  uint32_t height;  // rectangle height (mode 1) or aspect denominator (mode 0); not 0
+};
+
+struct LumaforgeVersion {
+  uint32_t major;
+  uint32_t minor;
+  uint32_t patch;
+  uint32_t build;
+};
+
+// The processing object. Filters are addressed by type; the first Init of a
+// type creates its filter, Uninit destroys it.
+class ILumaforge {
+ public:
+  virtual ~ILumaforge() {}
+  virtual int32_t Init(int32_t type, void* config, uint8_t flag) = 0;
+  virtual int32_t Uninit(int32_t type) = 0;
+  virtual int32_t Process(int32_t type, VideoPicture* input, VideoPicture* output) = 0;
+  virtual int32_t SetParam(int32_t type, ParamId id, void* value) = 0;
+  virtual int32_t GetParam(int32_t type, ParamId id, void* value) = 0;
+};
+
+extern "C" {
+LUMAFORGE_API int32_t CreateLumaforge(ILumaforge** out);
+LUMAFORGE_API void DestroyLumaforge(ILumaforge* instance);
+// Best instruction-set tier of this processor: 5 AVX2, 4 AVX, 3 SSE4.2, 2 SSSE3, 1 SSE2, 0 none.
+LUMAFORGE_API int32_t GetLumaforgeArch(void);
+LUMAFORGE_API LumaforgeVersion GetLumaforgeVersion(void);
+// Call once per process before using the media decoder filter, and the
+// Uninit pair after its last use.
+LUMAFORGE_API bool InitMediaDecoderEnvironment(void);
+LUMAFORGE_API void UninitMediaDecoderEnvironment(void);
+}
+
+#endif  // LUMAFORGE_LUMAFORGE_H_

@@ -1,0 +1,43 @@
+// Registers the chroma interleave kernels with the variant harness.
+#include "color/kernels/chroma_interleave.h"
+#include "tests/kernels/kernel_harness.h"
+
+namespace Lumaforge::test {
+namespace {
+
+using Table = ChromaInterleaveKernels;
+
+// Rows of `width` chroma samples; the benchmark shape is the chroma of 1080p.
+const ShapeRules kRules = {.benchWidth = 960, .benchHeight = 540};
+
+const FamilyRegistration<Table> kRegistration{"chroma_interleave",
+                                              InitChromaInterleaveKernels,
+                                              {
+                                                  Entry<Table, MergeUVRowFn>(
+                                                      "merge_uv", &Table::mergeUVRow,
+                                                      [](const Shape& s, Buffers& b) {
+                                                        b.AddInput("u", s.width, s.height);
+                                                        b.AddInput("v", s.width, s.height);
+                                                        b.AddOutput("uv", 2 * s.width, s.height);
+                                                      },
+                                                      [](MergeUVRowFn merge, Buffers& b) {
+                                                        for (int32_t y = 0; y < b[0].Rows(); ++y)
+                                                          merge(b[0].Row(y), b[1].Row(y), b[2].Row(y), b[0].RowBytes());
+                                                      },
+                                                      kRules),
+                                                  Entry<Table, SplitUVRowFn>(
+                                                      "split_uv", &Table::splitUVRow,
+                                                      [](const Shape& s, Buffers& b) {
+                                                        b.AddInput("uv", 2 * s.width, s.height);
+                                                        b.AddOutput("u", s.width, s.height);
+                                                        b.AddOutput("v", s.width, s.height);
+                                                      },
+                                                      [](SplitUVRowFn split, Buffers& b) {
+                                                        for (int32_t y = 0; y < b[0].Rows(); ++y)
+                                                          split(b[0].Row(y), b[1].Row(y), b[2].Row(y), b[1].RowBytes());
+                                                      },
+                                                      kRules),
+                                              }};
+
+}  // namespace
+}  // namespace Lumaforge::test
