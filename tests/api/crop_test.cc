@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "lumaforge/lumaforge.h"
+#include "tests/api/cpu_levels.h"
 
 namespace {
 
@@ -153,6 +154,36 @@ TEST_F(CropTest, ParametersAndTiming) {
   EXPECT_EQ(lf->Uninit(LF_FILTER_CROP), LF_OK);
   EXPECT_EQ(lf->Init(LF_FILTER_CROP, nullptr, 0), LF_OK);
   EXPECT_EQ(lf->Process(LF_FILTER_CROP, &in, &out), LF_INVALID_PARAMETER);  // a new filter: no configuration
+}
+
+// Filters are created with the feature word of the Init that creates them;
+// every level must crop alike.
+TEST(CropLevels, SameRectangleAtEveryProcessorLevel) {
+  std::vector<uint8_t> pixels(320 * 240 * 2);
+  VideoPicture in = {};
+  in.planes[0] = in.planes[1] = in.planes[2] = pixels.data();
+  in.strides[0] = in.strides[1] = in.strides[2] = 320 * 2;
+  in.width = 320;
+  in.height = 240;
+  in.format = LF_YUY2;
+  std::vector<VideoPicture> outputs;
+  Lumaforge::test::ForEachCpuLevel([&](const Lumaforge::test::CpuLevel& level) {
+    EXPECT_EQ(GetLumaforgeArch(), level.tier);
+    ILumaforge* lf = nullptr;
+    ASSERT_EQ(CreateLumaforge(&lf), LF_OK);
+    CropConfig config = {1, 3, 5, 101, 99};
+    ASSERT_EQ(lf->Init(LF_FILTER_CROP, &config, 0), LF_OK);
+    VideoPicture out = {};
+    EXPECT_EQ(lf->Process(LF_FILTER_CROP, &in, &out), LF_OK) << level.name;
+    outputs.push_back(out);
+    DestroyLumaforge(lf);
+  });
+  ASSERT_FALSE(outputs.empty());
+  for (const VideoPicture& out : outputs) {
+    EXPECT_EQ(out.planes[0], pixels.data() + 2 * in.strides[0] + 4 * 2);
+    EXPECT_EQ(out.width, 100u);
+    EXPECT_EQ(out.height, 98u);
+  }
 }
 
 }  // namespace
