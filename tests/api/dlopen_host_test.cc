@@ -74,6 +74,16 @@ std::string Address(const void* p) {
   return text;
 }
 
+// A 64x64 BGRA picture over `pixels`.
+Picture Bgra64(std::vector<uint8_t>& pixels) {
+  Picture p = {};
+  p.planes[0] = pixels.data();
+  p.strides[0] = 64 * 4;
+  p.width = p.height = 64;
+  p.format = 6;
+  return p;
+}
+
 class DlopenHost : public ::testing::Test {
  protected:
   void SetUp() override {
@@ -144,11 +154,7 @@ TEST_F(DlopenHost, SecondInitReusesTheFilter) {
   EXPECT_EQ(created[0], created[1]);
   // The filter kept the configuration from the first Init.
   std::vector<uint8_t> pixels(64 * 64 * 4);
-  Picture in = {}, out = {};
-  in.planes[0] = pixels.data();
-  in.strides[0] = 64 * 4;
-  in.width = in.height = 64;
-  in.format = 6;
+  Picture in = Bgra64(pixels), out = {};
   EXPECT_EQ(lf->Process(16, &in, &out), 0);
   EXPECT_EQ(out.width, 8u);
 }
@@ -214,11 +220,7 @@ TEST_F(DlopenHost, TimingIntervalAnswersMinusOneButApplies) {
   int32_t oneMs = 1;
   EXPECT_EQ(lf->SetParam(0, 53, &oneMs), -1);
   std::vector<uint8_t> pixels(64 * 64 * 4);
-  Picture in = {}, out = {};
-  in.planes[0] = pixels.data();
-  in.strides[0] = 64 * 4;
-  in.width = in.height = 64;
-  in.format = 6;
+  Picture in = Bgra64(pixels), out = {};
   ASSERT_EQ(lf->Process(16, &in, &out), 0);
   std::this_thread::sleep_for(std::chrono::milliseconds(5));
   ASSERT_EQ(lf->Process(16, &in, &out), 0);
