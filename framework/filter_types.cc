@@ -2,6 +2,7 @@
 
 #include <new>
 
+#include "color/color_space_convertor.h"
 #include "color/image_crop.h"
 
 namespace Lumaforge {
@@ -15,8 +16,10 @@ CLumaforgeFramework* Create(uint32_t cpuFeatures) {
 }  // namespace
 
 const FilterTypeInfo* FindFilterType(int32_t type) {
+  static const FilterTypeInfo kCsc{Create<CColorSpaceConvertor>, "Create ColorSpaceConvertion CSC(%p)", false};
   static const FilterTypeInfo kCrop{Create<CImageCrop>, "Create ImageCrop(%p)", false};
   switch (type) {
+    case LF_FILTER_CSC: return &kCsc;
     case LF_FILTER_CROP: return &kCrop;
     default: return nullptr;
   }

@@ -7,14 +7,13 @@ namespace Lumaforge {
 void InitChromaInterleaveKernels(ChromaInterleaveKernels* kernels, uint32_t cpuFeatures) {
   kernels->mergeUVRow = MergeUVRow_c;
   kernels->splitUVRow = SplitUVRow_c;
-  if (cpuFeatures & kCpuSSE2) {
-    kernels->mergeUVRow = sse2::MergeUVRow;
-    kernels->splitUVRow = sse2::SplitUVRow;
-  }
-  if (cpuFeatures & kCpuAVX2) {
-    kernels->mergeUVRow = avx2::MergeUVRow;
-    kernels->splitUVRow = avx2::SplitUVRow;
-  }
+  kernels->evenSamplesRow = EvenSamplesRow_c;
+#define INSTALL(level)                     \
+  kernels->mergeUVRow = level::MergeUVRow; \
+  kernels->splitUVRow = level::SplitUVRow; \
+  kernels->evenSamplesRow = level::EvenSamplesRow;
+  LUMAFORGE_INSTALL_LADDER(cpuFeatures, INSTALL);
+#undef INSTALL
 }
 
 }  // namespace Lumaforge

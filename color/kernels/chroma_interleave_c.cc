@@ -16,4 +16,8 @@ void SplitUVRow_c(const uint8_t* uv, uint8_t* u, uint8_t* v, int32_t width) {
   }
 }
 
+void EvenSamplesRow_c(const uint8_t* src, uint8_t* dst, int32_t width) {
+  for (int32_t i = 0; i < width; ++i) dst[i] = src[2 * i];
+}
+
 }  // namespace Lumaforge

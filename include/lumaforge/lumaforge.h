@@ -73,6 +73,7 @@ enum ParamId : int32_t {
 // Filter types: the first argument of every ILumaforge call.
 enum FilterType : int32_t {
   LF_FILTER_ALL = 0,  // SetParam only: the manager and every existing filter
+  LF_FILTER_CSC = 1,  // colour space conversion: no configuration; converts input to output's format
   LF_FILTER_CROP = 16,
 };
 

@@ -10,34 +10,47 @@ using Table = ChromaInterleaveKernels;
 // Rows of `width` chroma samples; the benchmark shape is the chroma of 1080p.
 const ShapeRules kRules = {.benchWidth = 960, .benchHeight = 540};
 
-const FamilyRegistration<Table> kRegistration{"chroma_interleave",
-                                              InitChromaInterleaveKernels,
-                                              {
-                                                  Entry<Table, MergeUVRowFn>(
-                                                      "merge_uv", &Table::mergeUVRow,
-                                                      [](const Shape& s, Buffers& b) {
-                                                        b.AddInput("u", s.width, s.height);
-                                                        b.AddInput("v", s.width, s.height);
-                                                        b.AddOutput("uv", 2 * s.width, s.height);
-                                                      },
-                                                      [](MergeUVRowFn merge, Buffers& b) {
-                                                        for (int32_t y = 0; y < b[0].Rows(); ++y)
-                                                          merge(b[0].Row(y), b[1].Row(y), b[2].Row(y), b[0].RowBytes());
-                                                      },
-                                                      kRules),
-                                                  Entry<Table, SplitUVRowFn>(
-                                                      "split_uv", &Table::splitUVRow,
-                                                      [](const Shape& s, Buffers& b) {
-                                                        b.AddInput("uv", 2 * s.width, s.height);
-                                                        b.AddOutput("u", s.width, s.height);
-                                                        b.AddOutput("v", s.width, s.height);
-                                                      },
-                                                      [](SplitUVRowFn split, Buffers& b) {
-                                                        for (int32_t y = 0; y < b[0].Rows(); ++y)
-                                                          split(b[0].Row(y), b[1].Row(y), b[2].Row(y), b[1].RowBytes());
-                                                      },
-                                                      kRules),
-                                              }};
+const FamilyRegistration<Table> kRegistration{
+    "chroma_interleave",
+    InitChromaInterleaveKernels,
+    {
+        Entry<Table, MergeUVRowFn>(
+            "merge_uv", &Table::mergeUVRow,
+            [](const Shape& s, Buffers& b) {
+              b.AddInput("u", s.width, s.height);
+              b.AddInput("v", s.width, s.height);
+              b.AddOutput("uv", 2 * s.width, s.height);
+            },
+            [](MergeUVRowFn kernel, Buffers& b) {
+              for (int32_t y = 0; y < b[0].Rows(); ++y) {
+                kernel(b[0].Row(y), b[1].Row(y), b[2].Row(y), b[0].RowBytes());
+              }
+            },
+            kRules),
+        Entry<Table, SplitUVRowFn>(
+            "split_uv", &Table::splitUVRow,
+            [](const Shape& s, Buffers& b) {
+              b.AddInput("uv", 2 * s.width, s.height);
+              b.AddOutput("u", s.width, s.height);
+              b.AddOutput("v", s.width, s.height);
+            },
+            [](SplitUVRowFn kernel, Buffers& b) {
+              for (int32_t y = 0; y < b[0].Rows(); ++y) {
+                kernel(b[0].Row(y), b[1].Row(y), b[2].Row(y), b[1].RowBytes());
+              }
+            },
+            kRules),
+        Entry<Table, EvenSamplesRowFn>(
+            "even_samples", &Table::evenSamplesRow,
+            [](const Shape& s, Buffers& b) {
+              b.AddInput("src", 2 * s.width, s.height);
+              b.AddOutput("dst", s.width, s.height);
+            },
+            [](EvenSamplesRowFn kernel, Buffers& b) {
+              for (int32_t y = 0; y < b[0].Rows(); ++y) kernel(b[0].Row(y), b[1].Row(y), b[1].RowBytes());
+            },
+            kRules),
+    }};
 
 }  // namespace
 }  // namespace Lumaforge::test

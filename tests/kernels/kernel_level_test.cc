@@ -14,9 +14,11 @@ TEST(KernelLevels, FeatureWordPicksTheHighestAvailableVariant) {
   EXPECT_EQ(kernels.mergeUVRow, &MergeUVRow_c);
   EXPECT_EQ(kernels.splitUVRow, &SplitUVRow_c);
 
-  // Everything up to AVX, but not AVX2: the SSE2 forms are the best there are.
+  // A word reduced to SSSE3 gets the SSSE3 forms, even on an AVX2 machine.
+  InitChromaInterleaveKernels(&kernels, kCpuSSE2 | kCpuSSSE3);
+  EXPECT_EQ(kernels.mergeUVRow, &ssse3::MergeUVRow);
   InitChromaInterleaveKernels(&kernels, kCpuSSE2 | kCpuSSSE3 | kCpuSSE42 | kCpuAVX);
-  EXPECT_EQ(kernels.mergeUVRow, &sse2::MergeUVRow);
+  EXPECT_EQ(kernels.mergeUVRow, &avx::MergeUVRow);
 
   InitChromaInterleaveKernels(&kernels, kCpuSSE2 | kCpuSSSE3 | kCpuSSE42 | kCpuAVX | kCpuAVX2);
   EXPECT_EQ(kernels.splitUVRow, &avx2::SplitUVRow);

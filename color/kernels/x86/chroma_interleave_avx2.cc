@@ -33,4 +33,16 @@ void SplitUVRow(const uint8_t* uv, uint8_t* u, uint8_t* v, int32_t width) {
   SplitUVRow_c(uv + 2 * i, u + i, v + i, width - i);
 }
 
+void EvenSamplesRow(const uint8_t* src, uint8_t* dst, int32_t width) {
+  const __m256i lowBytes = _mm256_set1_epi16(0x00ff);
+  int32_t i = 0;
+  for (; i + 32 <= width; i += 32) {
+    const __m256i a = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(src + 2 * i));
+    const __m256i b = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(src + 2 * i + 32));
+    const __m256i packed = _mm256_packus_epi16(_mm256_and_si256(a, lowBytes), _mm256_and_si256(b, lowBytes));
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(dst + i), _mm256_permute4x64_epi64(packed, 0xD8));
+  }
+  EvenSamplesRow_c(src + 2 * i, dst + i, width - i);
+}
+
 }  // namespace Lumaforge::avx2

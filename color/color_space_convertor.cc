@@ -1,0 +1,138 @@
+#include "color/color_space_convertor.h"
+
+#include <cstring>
+
+#include "framework/formats.h"
+
+namespace Lumaforge {
+namespace {
+
+using G = FormatGroup;
+
+struct TableRow {
+  FormatGroup in, out;
+  ConversionRoutine routine;
+};
+
+// The conversion table: entry index = position.
+constexpr TableRow kTable[CColorSpaceConvertor::kEntries] = {
+    {G::kPlanar420, G::kPlanar420, CopyPlanar420},              // 0
+    {G::kPlanar420, G::kPackedRgb24, Yuv420ToRgb},              // 1
+    {G::kPlanar420, G::kPackedRgb32, Yuv420ToRgb},              // 2
+    {G::kPlanar420, G::kPlanarRgb, Yuv420ToRgb},                // 3
+    {G::kPlanar420, G::kSemiPlanar420, InterleaveChroma},       // 4
+    {G::kPlanar420, G::kPacked422, Yuv420ToPacked422},          // 5
+    {G::kPackedRgb24, G::kPlanar420, RgbToYuv420},              // 6
+    {G::kPackedRgb32, G::kPlanar420, RgbToYuv420},              // 7
+    {G::kPlanarRgb, G::kPlanar420, RgbToYuv420},                // 8
+    {G::kPackedRgb24, G::kPacked422, RgbToPacked422},           // 9
+    {G::kPackedRgb32, G::kPacked422, RgbToPacked422},           // 10
+    {G::kPlanarRgb, G::kPacked422, RgbToPacked422},             // 11
+    {G::kPackedRgb24, G::kSemiPlanar420, RgbToYuv420},          // 12
+    {G::kPackedRgb32, G::kSemiPlanar420, RgbToYuv420},          // 13
+    {G::kPlanarRgb, G::kSemiPlanar420, RgbToYuv420},            // 14
+    {G::kPackedRgb32, G::kPackedRgb32, RgbReorder},             // 15
+    {G::kPackedRgb32, G::kPlanarRgb, RgbReorder},               // 16
+    {G::kPlanarRgb, G::kPackedRgb32, RgbReorder},               // 17
+    {G::kPacked422, G::kPlanar420, Packed422ToYuv420},          // 18
+    {G::kPacked422, G::kSemiPlanar420, Packed422ToYuv420},      // 19
+    {G::kPacked422, G::kPackedRgb24, Packed422ToRgb},           // 20
+    {G::kPacked422, G::kPackedRgb32, Packed422ToRgb},           // 21
+    {G::kPacked422, G::kPlanarRgb, Packed422ToRgb},             // 22
+    {G::kPacked422, G::kPacked422, ReorderPacked422},           // 23
+    {G::kSemiPlanar420, G::kPacked422, Yuv420ToPacked422},      // 24
+    {G::kSemiPlanar420, G::kPlanar420, DeinterleaveChroma},     // 25
+    {G::kSemiPlanar420, G::kSemiPlanar420, CopySemiPlanar420},  // 26
+    {G::kSemiPlanar420, G::kPackedRgb24, Yuv420ToRgb},          // 27
+    {G::kSemiPlanar420, G::kPackedRgb32, Yuv420ToRgb},          // 28
+    {G::kSemiPlanar420, G::kPlanarRgb, Yuv420ToRgb},            // 29
+    {G::kOther, G::kPlanar420, VerticalChromaTo420},            // 30
+};
+
+bool IsRgbGroup(FormatGroup g) { return g == G::kPackedRgb24 || g == G::kPackedRgb32 || g == G::kPlanarRgb; }
+
+bool HasPlanes(const VideoPicture& p, FormatGroup group) {
+  switch (group) {
+    case G::kPackedRgb24:
+    case G::kPackedRgb32:
+    case G::kPlanarRgb:
+    case G::kPacked422: return p.planes[0] != nullptr;
+    case G::kSemiPlanar420: return p.planes[0] && p.planes[1];
+    case G::kPlanar420:
+    case G::kOther: break;
+  }
+  return p.planes[0] && p.planes[1] && p.planes[2];
+}
+
+}  // namespace
+
+FormatGroup ClassifyFormat(uint32_t code) {
+  if (IsPlanar420(code)) return G::kPlanar420;
+  if (IsPackedRgb24(code)) return G::kPackedRgb24;
+  if (IsPackedRgb32(code)) return G::kPackedRgb32;
+  if (IsPlanarRgb(code)) return G::kPlanarRgb;
+  if (IsPacked422(code)) return G::kPacked422;
+  if (IsSemiPlanar420(code)) return G::kSemiPlanar420;
+  return G::kOther;
+}
+
+int32_t ConversionEntry(FormatGroup in, FormatGroup out) {
+  for (int32_t i = 0; i < CColorSpaceConvertor::kEntries; ++i) {
+    if (kTable[i].in == in && kTable[i].out == out) return i;
+  }
+  return -1;
+}
+
+bool IsDirectRgbPair(FormatGroup in, FormatGroup out) {
+  if (!IsRgbGroup(in) || !IsRgbGroup(out)) return false;
+  return in == G::kPackedRgb24 || out == G::kPackedRgb24 || (in == G::kPlanarRgb && out == G::kPlanarRgb);
+}
+
+CColorSpaceConvertor::CColorSpaceConvertor(uint32_t cpuFeatures) : m_uFeatures(cpuFeatures) {
+  // Entries 0 and 26 only copy rows; every other entry runs on the kernels
+  // chosen here, so the feature word picks its variant for all of them.
+  InitColorKernels(&m_kernels, m_uFeatures);
+  for (int32_t i = 0; i < kEntries; ++i) m_pTable[i] = kTable[i].routine;
+  SetName("CSC");
+  CreateLogger();
+}
+
+CColorSpaceConvertor::~CColorSpaceConvertor() = default;
+
+int32_t CColorSpaceConvertor::Init(void* /*config*/, uint8_t /*flag*/) { return LF_OK; }
+
+int32_t CColorSpaceConvertor::Uninit() { return LF_OK; }
+
+int32_t CColorSpaceConvertor::SetParam(ParamId /*id*/, void* value) {
+  if (!value) return LF_INVALID_PARAMETER;
+  std::memcpy(&m_uParameter, value, sizeof(m_uParameter));
+  return LF_OK;
+}
+
+int32_t CColorSpaceConvertor::GetParam(ParamId /*id*/, void* /*value*/) { return LF_OK; }
+
+int32_t CColorSpaceConvertor::Process(VideoPicture* input, VideoPicture* output) {
+  if (!input || !output) return LF_INVALID_PARAMETER;
+  input->width &= ~1u;
+  input->height &= ~1u;
+  output->width &= ~1u;
+  output->height &= ~1u;
+
+  const uint32_t inCode = FormatCode(input->format);
+  const FormatGroup inGroup = ClassifyFormat(inCode);
+  if (!HasPlanes(*input, inGroup)) return LF_INVALID_PARAMETER;
+
+  const uint32_t outCode = FormatCode(output->format);
+  if (outCode < 1 || outCode > 31) return LF_UNSUPPORTED;
+  const FormatGroup outGroup = ClassifyFormat(outCode);
+  if (IsDirectRgbPair(inGroup, outGroup)) {
+    RgbReorder(input, output, m_kernels);
+    return LF_OK;
+  }
+  const int32_t entry = ConversionEntry(inGroup, outGroup);
+  if (entry < 0 || !m_pTable[entry]) return LF_UNSUPPORTED;
+  m_pTable[entry](input, output, m_kernels);
+  return LF_OK;
+}
+
+}  // namespace Lumaforge

@@ -1,0 +1,46 @@
+// Colour space conversion (filter type 1): converts a picture between any
+// two supported layouts, RGB and YUV, in one self-contained call.
+#ifndef LUMAFORGE_COLOR_COLOR_SPACE_CONVERTOR_H_
+#define LUMAFORGE_COLOR_COLOR_SPACE_CONVERTOR_H_
+
+#include "color/color_kernels.h"
+#include "color/conversions.h"
+#include "framework/lumaforge_framework.h"
+
+namespace Lumaforge {
+
+// Format groups of the conversion table.
+enum class FormatGroup { kPlanar420, kPackedRgb24, kPackedRgb32, kPlanarRgb, kPacked422, kSemiPlanar420, kOther };
+
+FormatGroup ClassifyFormat(uint32_t code);
+
+// Index of the table entry for a pair of groups, or -1 when the table has none.
+int32_t ConversionEntry(FormatGroup in, FormatGroup out);
+// Pairs converted by the RGB reorder routine outside the table.
+bool IsDirectRgbPair(FormatGroup in, FormatGroup out);
+
+class CColorSpaceConvertor : public CLumaforgeFramework {
+ public:
+  static constexpr int32_t kEntries = 31;
+
+  explicit CColorSpaceConvertor(uint32_t cpuFeatures);
+  ~CColorSpaceConvertor() override;
+
+  int32_t Init(void* config, uint8_t flag) override;
+  int32_t Uninit() override;
+  // Clears bit 0 of both records' width and height in place, then converts.
+  int32_t Process(VideoPicture* input, VideoPicture* output) override;
+  // Stores the 32-bit value whatever the id; no conversion reads it.
+  int32_t SetParam(ParamId id, void* value) override;
+  int32_t GetParam(ParamId id, void* value) override;
+
+ private:
+  uint32_t m_uFeatures;
+  ColorKernels m_kernels;
+  ConversionRoutine m_pTable[kEntries];
+  uint32_t m_uParameter = 0;
+};
+
+}  // namespace Lumaforge
+
+#endif  // LUMAFORGE_COLOR_COLOR_SPACE_CONVERTOR_H_
