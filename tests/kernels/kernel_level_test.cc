@@ -24,7 +24,7 @@ TEST(KernelLevels, FeatureWordPicksTheHighestAvailableVariant) {
   EXPECT_EQ(kernels.splitUVRow, &avx2::SplitUVRow);
 
   // An early Intel part that lost its SSE2 bit stays on the plain routines.
-  InitChromaInterleaveKernels(&kernels, kCpuMMX | kCpuSSE | kCpuSSSE3);
+  InitChromaInterleaveKernels(&kernels, kCpuMMX | kCpuSSE | kCpuFPU);
   EXPECT_EQ(kernels.mergeUVRow, &MergeUVRow_c);
 }
 
