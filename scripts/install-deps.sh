@@ -7,6 +7,7 @@ packages=(
   g++ cmake ninja-build pkg-config git
   libsafec-dev    # the bounds-checked _s memory and string functions
   libgtest-dev    # GoogleTest, for the tests
+  libyuv-dev      # the benchmarks' reference (and later the upsampling filter)
 )
 
 missing=()
