@@ -8,7 +8,12 @@ void InitPacked422Kernels(Packed422Kernels* kernels, uint32_t cpuFeatures) {
   kernels->packed422ToPlanesRow = Packed422ToPlanesRow_c;
   kernels->planesToPacked422Row = PlanesToPacked422Row_c;
   kernels->averageRows = AverageRows_c;
-  (void)cpuFeatures;  // vector forms are installed here as they land
+#define INSTALL(level)                                         \
+  kernels->packed422ToPlanesRow = level::Packed422ToPlanesRow; \
+  kernels->planesToPacked422Row = level::PlanesToPacked422Row; \
+  kernels->averageRows = level::AverageRows;
+  LUMAFORGE_INSTALL_LADDER(cpuFeatures, INSTALL);
+#undef INSTALL
 }
 
 }  // namespace Lumaforge

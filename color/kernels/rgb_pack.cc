@@ -10,7 +10,14 @@ void InitRgbPackKernels(RgbPackKernels* kernels, uint32_t cpuFeatures) {
   kernels->bgraToRgb24Row = BgraToRgb24Row_c;
   kernels->planesToBgraRow = PlanesToBgraRow_c;
   kernels->bgraToPlanesRow = BgraToPlanesRow_c;
-  (void)cpuFeatures;  // vector forms are installed here as they land
+#define INSTALL(level)                               \
+  kernels->shuffle4Row = level::Shuffle4Row;         \
+  kernels->rgb24ToBgraRow = level::Rgb24ToBgraRow;   \
+  kernels->bgraToRgb24Row = level::BgraToRgb24Row;   \
+  kernels->planesToBgraRow = level::PlanesToBgraRow; \
+  kernels->bgraToPlanesRow = level::BgraToPlanesRow;
+  LUMAFORGE_INSTALL_LADDER(cpuFeatures, INSTALL);
+#undef INSTALL
 }
 
 }  // namespace Lumaforge

@@ -6,7 +6,9 @@ namespace Lumaforge {
 
 void InitYuvToRgbKernels(YuvToRgbKernels* kernels, uint32_t cpuFeatures) {
   kernels->i422ToBgraRow = I422ToBgraRow_c;
-  (void)cpuFeatures;  // vector forms are installed here as they land
+#define INSTALL(level) kernels->i422ToBgraRow = level::I422ToBgraRow;
+  LUMAFORGE_INSTALL_LADDER(cpuFeatures, INSTALL);
+#undef INSTALL
 }
 
 }  // namespace Lumaforge
