@@ -23,6 +23,7 @@
 #include <utility>
 
 #include "color/kernels/rgb_pack.h"
+#include "color/kernels/x86/rgb_pack_masks.h"
 
 namespace Lumaforge::LUMAFORGE_SIMD_LEVEL {
 namespace {
@@ -30,41 +31,7 @@ namespace {
 inline __m128i Load(const void* p) { return _mm_loadu_si128(static_cast<const __m128i*>(p)); }
 inline void Store(void* p, __m128i v) { _mm_storeu_si128(static_cast<__m128i*>(p), v); }
 
-// The pattern as a little-endian word: byte k is index[k].
-inline uint32_t PatternWord(BytePattern pattern) {
-  uint32_t word;
-  std::memcpy(&word, pattern.index, sizeof(word));
-  return word;
-}
-
-// index[0..2] name bytes of a 3-byte pixel.
-inline bool Fits24(BytePattern p) { return p.index[0] < 3 && p.index[1] < 3 && p.index[2] < 3; }
-
-#if defined(__SSSE3__)
-
-// pshufb mask moving byte index[k] of each 4-byte pixel to byte k.
-inline __m128i Shuffle4Mask(uint32_t word) {
-  return _mm_add_epi8(_mm_set1_epi32(static_cast<int>(word)),
-                      _mm_setr_epi8(0, 0, 0, 0, 4, 4, 4, 4, 8, 8, 8, 8, 12, 12, 12, 12));
-}
-
-// pshufb mask taking four 3-byte pixels from bytes 0..11 to four 4-byte
-// pixels; byte 3 of each gets 0x80 plus an offset, which keeps the high bit
-// set, so pshufb zeroes it for the alpha OR.
-inline __m128i Expand24Mask(uint32_t word) {
-  return _mm_add_epi8(_mm_set1_epi32(static_cast<int>((word & 0x00ffffffu) | 0x80000000u)),
-                      _mm_setr_epi8(0, 0, 0, 0, 3, 3, 3, 3, 6, 6, 6, 6, 9, 9, 9, 9));
-}
-
-// pshufb mask packing four 4-byte pixels into bytes 0..11; bytes 12..15 are
-// zeroed (high bit set).
-inline __m128i Pack24Mask(uint32_t word) {
-  const __m128i spread = _mm_shuffle_epi8(_mm_cvtsi32_si128(static_cast<int>(word)),
-                                          _mm_setr_epi8(0, 1, 2, 0, 1, 2, 0, 1, 2, 0, 1, 2, 0, 0, 0, 0));
-  return _mm_add_epi8(spread, _mm_setr_epi8(0, 0, 0, 4, 4, 4, 8, 8, 8, 12, 12, 12, -128, -128, -128, -128));
-}
-
-#else  // SSE2
+#if !defined(__SSSE3__)
 
 // Four pixels widened to 16 bits fill a register as two 64-bit halves, which
 // pshuflw/pshufhw reorder with the immediate kCode (2 bits per output byte).
@@ -167,7 +134,7 @@ int32_t PackRgb24(const uint8_t* bgra, uint8_t* dst, int32_t width) {
   return i;
 }
 
-#endif  // __SSSE3__
+#endif  // !__SSSE3__
 
 }  // namespace
 

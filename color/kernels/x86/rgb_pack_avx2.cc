@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "color/kernels/rgb_pack.h"
+#include "color/kernels/x86/rgb_pack_masks.h"
 
 namespace Lumaforge::avx2 {
 namespace {
@@ -16,33 +17,6 @@ inline __m256i Load(const void* p) { return _mm256_loadu_si256(static_cast<const
 inline void Store(void* p, __m256i v) { _mm256_storeu_si256(static_cast<__m256i*>(p), v); }
 inline __m128i Load128(const void* p) { return _mm_loadu_si128(static_cast<const __m128i*>(p)); }
 inline void Store128(void* p, __m128i v) { _mm_storeu_si128(static_cast<__m128i*>(p), v); }
-
-inline uint32_t PatternWord(BytePattern pattern) {
-  uint32_t word;
-  std::memcpy(&word, pattern.index, sizeof(word));
-  return word;
-}
-
-// Per-lane pshufb masks, as in the 128-bit variants.
-// Shuffle4: byte index[k] of each 4-byte pixel to byte k.
-inline __m128i Shuffle4Mask(uint32_t word) {
-  return _mm_add_epi8(_mm_set1_epi32(static_cast<int>(word)),
-                      _mm_setr_epi8(0, 0, 0, 0, 4, 4, 4, 4, 8, 8, 8, 8, 12, 12, 12, 12));
-}
-
-// Four 3-byte pixels (bytes 0..11) to four 4-byte pixels with byte 3 zeroed:
-// 0x80 plus a small offset keeps the high bit that makes pshufb write 0.
-inline __m128i Expand24Mask(uint32_t word) {
-  return _mm_add_epi8(_mm_set1_epi32(static_cast<int>((word & 0x00ffffffu) | 0x80000000u)),
-                      _mm_setr_epi8(0, 0, 0, 0, 3, 3, 3, 3, 6, 6, 6, 6, 9, 9, 9, 9));
-}
-
-// Four 4-byte pixels packed into bytes 0..11, bytes 12..15 zeroed.
-inline __m128i Pack24Mask(uint32_t word) {
-  const __m128i spread = _mm_shuffle_epi8(_mm_cvtsi32_si128(static_cast<int>(word)),
-                                          _mm_setr_epi8(0, 1, 2, 0, 1, 2, 0, 1, 2, 0, 1, 2, 0, 0, 0, 0));
-  return _mm_add_epi8(spread, _mm_setr_epi8(0, 0, 0, 4, 4, 4, 8, 8, 8, 12, 12, 12, -128, -128, -128, -128));
-}
 
 inline __m256i Broadcast(__m128i v) { return _mm256_broadcastsi128_si256(v); }
 
