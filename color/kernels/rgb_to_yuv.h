@@ -9,9 +9,9 @@
 //   V = ((112 sR - 94 sG - 18 sB + 256) >> 9) + 128
 // No clamping: every result lies in 16..240.
 //
-// Widths are even pixel counts >= 2; chroma rows get width / 2 samples.
-// Vector variants finish the row with the plain routine and never touch
-// bytes past the row.
+// Luma takes any width >= 1; chroma takes even widths >= 2 and writes
+// width / 2 samples. Vector variants finish the row with narrower vector
+// forms and the plain routine, and never touch bytes past the row.
 #ifndef LUMAFORGE_COLOR_KERNELS_RGB_TO_YUV_H_
 #define LUMAFORGE_COLOR_KERNELS_RGB_TO_YUV_H_
 
