@@ -4,7 +4,6 @@
 #define LUMAFORGE_TESTS_API_TEST_PICTURES_H_
 
 #include <cstdint>
-#include <cstring>
 #include <vector>
 
 #include "lumaforge/lumaforge.h"
@@ -66,7 +65,7 @@ class OwnedPicture {
     }
   }
   void Fill(uint8_t value) {
-    for (auto& plane : memory) std::memset(plane.data(), value, plane.size());
+    for (auto& plane : memory) plane.assign(plane.size(), value);
   }
   uint8_t& At(int plane, uint32_t x, uint32_t y) { return picture.planes[plane][y * picture.strides[plane] + x]; }
 
