@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "lumaforge/lumaforge.h"
+#include "tests/environment.h"
 
 namespace {
 
@@ -124,7 +125,7 @@ int main(int argc, char** argv) {
        }},
   };
 
-  unsetenv("LUMAFORGE_CPU_MASK");
+  Lumaforge::test::UnsetEnv("LUMAFORGE_CPU_MASK");
   const int32_t available = GetLumaforgeArch();
   std::printf("1920x1080, ms per frame (best of 7 batches of %d frames); processor tier %d\n\n", frames, available);
   std::printf("%-12s", "pair");
@@ -140,7 +141,7 @@ int main(int argc, char** argv) {
     for (const Level& level : kLevels) {
       if (level.tier > available) continue;
       // The converter picks its kernels when created, from the masked word.
-      setenv("LUMAFORGE_CPU_MASK", level.mask, 1);
+      Lumaforge::test::SetEnv("LUMAFORGE_CPU_MASK", level.mask);
       ILumaforge* lf = nullptr;
       CreateLumaforge(&lf);
       const int32_t silent = -1;
@@ -150,7 +151,7 @@ int main(int argc, char** argv) {
       std::printf(" %8.3f", best);
       DestroyLumaforge(lf);
     }
-    unsetenv("LUMAFORGE_CPU_MASK");
+    Lumaforge::test::UnsetEnv("LUMAFORGE_CPU_MASK");
     const double yuv = TimeMs([&] { c.libyuv(in, out); }, frames);
     // A plain copy of the larger picture: reads and writes as many bytes as
     // the conversion touches at least.

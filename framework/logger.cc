@@ -31,8 +31,7 @@ void Logger::SetLevel(int32_t level) {
 }
 
 void Logger::FormatLine(char* line, int32_t level, const char* format, va_list args) const {
-  char pattern[kLogLineSize];
-  memset_s(pattern, sizeof(pattern), 0, sizeof(pattern));
+  char pattern[kLogLineSize] = {};
   const char* word = (level >= 0 && level <= LF_LOG_DETAIL) ? kLevelWords[level] : "";
   std::snprintf(pattern, sizeof(pattern), "[lf][%s] %s=%p, %s: ", m_strName.c_str(), m_strName.c_str(),
                 reinterpret_cast<void*>(m_uOwner), word);
@@ -40,7 +39,6 @@ void Logger::FormatLine(char* line, int32_t level, const char* format, va_list a
   const size_t used = strnlen_s(pattern, sizeof(pattern));
   if (used + 1 < sizeof(pattern)) strncat_s(pattern, sizeof(pattern), format, sizeof(pattern) - used - 1);
 
-  memset_s(line, kLogLineSize, 0, kLogLineSize);
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
   std::vsnprintf(line, kLogLineSize, pattern, args);

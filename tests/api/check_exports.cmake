@@ -1,15 +1,43 @@
-# Fails unless the shared library exports exactly the six entry points.
-find_program(NM NAMES nm REQUIRED)
-execute_process(COMMAND ${NM} -D --defined-only --format=posix ${LIBRARY}
-  OUTPUT_VARIABLE listing RESULT_VARIABLE result)
-if(NOT result EQUAL 0)
-  message(FATAL_ERROR "nm failed on ${LIBRARY}")
-endif()
-string(REGEX MATCHALL "(^|\n)[^ \n]+" names "${listing}")
-list(TRANSFORM names STRIP)
-list(SORT names)
+cmake_minimum_required(VERSION 3.25)
+# Fails unless the library exports exactly the six entry points; for the
+# Windows DLL, also unless it imports from system DLLs only.
 set(expected CreateLumaforge DestroyLumaforge GetLumaforgeArch GetLumaforgeVersion
   InitMediaDecoderEnvironment UninitMediaDecoderEnvironment)
+
+if(WINDOWS)
+  execute_process(COMMAND ${OBJDUMP} -p ${LIBRARY} OUTPUT_VARIABLE listing RESULT_VARIABLE result)
+  if(NOT result EQUAL 0)
+    message(FATAL_ERROR "objdump failed on ${LIBRARY}")
+  endif()
+  # Export table lines: "\t[ n] Name"; import lines: "\tDLL Name: x.dll".
+  string(REGEX MATCHALL "\t\\[ *[0-9]+\\] [A-Za-z_0-9]+" rows "${listing}")
+  set(names)
+  foreach(row IN LISTS rows)
+    string(REGEX REPLACE ".*\\] " "" name "${row}")
+    list(APPEND names ${name})
+  endforeach()
+  string(REGEX MATCHALL "DLL Name: [^\n]+" imports "${listing}")
+  list(TRANSFORM imports REPLACE "DLL Name: " "")
+  list(TRANSFORM imports TOLOWER)
+  set(system kernel32.dll msvcrt.dll ole32.dll user32.dll advapi32.dll)
+  foreach(import IN LISTS imports)
+    if(NOT import IN_LIST system AND NOT import MATCHES "^api-ms-win-")
+      message(FATAL_ERROR "the DLL imports ${import}, which is not a system DLL (imports: ${imports})")
+    endif()
+  endforeach()
+  message(STATUS "imports: ${imports}")
+else()
+  find_program(NM NAMES nm REQUIRED)
+  execute_process(COMMAND ${NM} -D --defined-only --format=posix ${LIBRARY}
+    OUTPUT_VARIABLE listing RESULT_VARIABLE result)
+  if(NOT result EQUAL 0)
+    message(FATAL_ERROR "nm failed on ${LIBRARY}")
+  endif()
+  string(REGEX MATCHALL "(^|\n)[^ \n]+" names "${listing}")
+  list(TRANSFORM names STRIP)
+endif()
+
+list(SORT names)
 if(NOT names STREQUAL expected)
   message(FATAL_ERROR "exported symbols are\n  ${names}\nexpected\n  ${expected}")
 endif()

@@ -8,6 +8,7 @@
 #include <functional>
 
 #include "lumaforge/lumaforge.h"
+#include "tests/environment.h"
 
 namespace Lumaforge::test {
 
@@ -20,14 +21,14 @@ struct CpuLevel {
 inline void ForEachCpuLevel(const std::function<void(const CpuLevel&)>& body) {
   static const CpuLevel kLevels[] = {{"c", "0", 0},         {"sse2", "0x8", 1},  {"ssse3", "0x208", 2},
                                      {"sse42", "0x608", 3}, {"avx", "0xe08", 4}, {"avx2", "0xffffffff", 5}};
-  unsetenv("LUMAFORGE_CPU_MASK");
+  Lumaforge::test::UnsetEnv("LUMAFORGE_CPU_MASK");
   const int32_t available = GetLumaforgeArch();
   for (const CpuLevel& level : kLevels) {
     if (level.tier > available) break;
-    setenv("LUMAFORGE_CPU_MASK", level.mask, 1);
+    Lumaforge::test::SetEnv("LUMAFORGE_CPU_MASK", level.mask);
     body(level);
   }
-  unsetenv("LUMAFORGE_CPU_MASK");
+  Lumaforge::test::UnsetEnv("LUMAFORGE_CPU_MASK");
 }
 
 }  // namespace Lumaforge::test

@@ -1,8 +1,12 @@
 // A host that knows the library only by its documented binary layouts: it
-// declares the interface itself, loads the library with dlopen and drives
-// the manager.
-#include <dlfcn.h>
+// declares the interface itself, loads the library at run time (dlopen, or
+// LoadLibraryA on Windows) and drives the manager.
 #include <gtest/gtest.h>
+#if defined(_WIN32)
+#include <windows.h>
+#else
+#include <dlfcn.h>
+#endif
 
 #include <chrono>
 #include <cmath>
@@ -12,6 +16,19 @@
 #include <vector>
 
 namespace host {
+
+// The platform's loader, as a host would call it.
+#if defined(_WIN32)
+void* OpenLibrary(const char* path) { return reinterpret_cast<void*>(LoadLibraryA(path)); }
+void* Symbol(void* library, const char* name) {
+  return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(library), name));
+}
+void CloseLibrary(void* library) { FreeLibrary(static_cast<HMODULE>(library)); }
+#else
+void* OpenLibrary(const char* path) { return dlopen(path, RTLD_NOW | RTLD_LOCAL); }
+void* Symbol(void* library, const char* name) { return dlsym(library, name); }
+void CloseLibrary(void* library) { dlclose(library); }
+#endif
 
 struct Picture {
   uint8_t* planes[3];
@@ -87,10 +104,10 @@ Picture Bgra64(std::vector<uint8_t>& pixels) {
 class DlopenHost : public ::testing::Test {
  protected:
   void SetUp() override {
-    library = dlopen(LUMAFORGE_LIBRARY_PATH, RTLD_NOW | RTLD_LOCAL);
-    ASSERT_NE(library, nullptr) << dlerror();
-    create = reinterpret_cast<CreateFn>(dlsym(library, "CreateLumaforge"));
-    destroy = reinterpret_cast<DestroyFn>(dlsym(library, "DestroyLumaforge"));
+    library = OpenLibrary(LUMAFORGE_LIBRARY_PATH);
+    ASSERT_NE(library, nullptr) << LUMAFORGE_LIBRARY_PATH;
+    create = reinterpret_cast<CreateFn>(Symbol(library, "CreateLumaforge"));
+    destroy = reinterpret_cast<DestroyFn>(Symbol(library, "DestroyLumaforge"));
     ASSERT_TRUE(create && destroy);
     ASSERT_EQ(create(&lf), 0);
     g_lines.clear();
@@ -100,7 +117,7 @@ class DlopenHost : public ::testing::Test {
   }
   void TearDown() override {
     destroy(lf);
-    dlclose(library);
+    CloseLibrary(library);
   }
   bool Logged(const std::string& text) const {
     for (const Line& line : g_lines) {
@@ -117,14 +134,14 @@ class DlopenHost : public ::testing::Test {
 };
 
 TEST_F(DlopenHost, PlainExports) {
-  auto arch = reinterpret_cast<ArchFn>(dlsym(library, "GetLumaforgeArch"));
-  auto version = reinterpret_cast<VersionFn>(dlsym(library, "GetLumaforgeVersion"));
+  auto arch = reinterpret_cast<ArchFn>(Symbol(library, "GetLumaforgeArch"));
+  auto version = reinterpret_cast<VersionFn>(Symbol(library, "GetLumaforgeVersion"));
   ASSERT_TRUE(arch && version);
   EXPECT_GE(arch(), 1);
   const Version v = version();
   EXPECT_EQ(v.major * 1000 + v.minor * 100 + v.patch * 10 + v.build, 3420u);
-  EXPECT_NE(dlsym(library, "InitMediaDecoderEnvironment"), nullptr);
-  EXPECT_NE(dlsym(library, "UninitMediaDecoderEnvironment"), nullptr);
+  EXPECT_NE(Symbol(library, "InitMediaDecoderEnvironment"), nullptr);
+  EXPECT_NE(Symbol(library, "UninitMediaDecoderEnvironment"), nullptr);
   EXPECT_EQ(create(nullptr), -2);
 }
 

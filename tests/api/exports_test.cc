@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "lumaforge/lumaforge.h"
+#include "tests/environment.h"
 
 namespace {
 
@@ -19,11 +20,11 @@ TEST(Exports, ArchFollowsTheProcessorAndTheMask) {
   const int32_t tier = GetLumaforgeArch();
   EXPECT_GE(tier, 1);  // every x86-64 processor has SSE2
   EXPECT_LE(tier, 5);
-  setenv("LUMAFORGE_CPU_MASK", "0x208", 1);  // SSE2 and SSSE3 only
+  Lumaforge::test::SetEnv("LUMAFORGE_CPU_MASK", "0x208");  // SSE2 and SSSE3 only
   EXPECT_EQ(GetLumaforgeArch(), tier >= 2 ? 2 : tier);
-  setenv("LUMAFORGE_CPU_MASK", "0", 1);
+  Lumaforge::test::SetEnv("LUMAFORGE_CPU_MASK", "0");
   EXPECT_EQ(GetLumaforgeArch(), 0);
-  unsetenv("LUMAFORGE_CPU_MASK");
+  Lumaforge::test::UnsetEnv("LUMAFORGE_CPU_MASK");
   EXPECT_EQ(GetLumaforgeArch(), tier);
 }
 

@@ -1,5 +1,6 @@
 // Feature-word decoding on synthetic processors.
 #include "framework/cpu_features.h"
+#include "tests/environment.h"
 
 #include <gtest/gtest.h>
 
@@ -112,13 +113,13 @@ TEST(CpuFeatures, VendorSpecificBits) {
 
 TEST(CpuFeatures, EnvironmentMaskLimitsTheDetectedWord) {
   const uint32_t full = DetectCpuFeatures();
-  setenv(kCpuMaskVariable, "0x8", 1);
+  test::SetEnv(kCpuMaskVariable, "0x8");
   EXPECT_EQ(DetectCpuFeatures(), full & kCpuSSE2);
-  setenv(kCpuMaskVariable, "0", 1);
+  test::SetEnv(kCpuMaskVariable, "0");
   EXPECT_EQ(DetectCpuFeatures(), 0u);
-  setenv(kCpuMaskVariable, "not a number", 1);
+  test::SetEnv(kCpuMaskVariable, "not a number");
   EXPECT_EQ(DetectCpuFeatures(), full);
-  unsetenv(kCpuMaskVariable);
+  test::UnsetEnv(kCpuMaskVariable);
   EXPECT_EQ(DetectCpuFeatures(), full);
 }
 
