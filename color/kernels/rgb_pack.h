@@ -10,7 +10,7 @@
 
 #include <cstdint>
 
-#include "color/kernels/simd_levels.h"
+#include "framework/simd_levels.h"
 
 namespace Lumaforge {
 

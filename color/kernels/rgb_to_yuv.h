@@ -17,7 +17,7 @@
 
 #include <cstdint>
 
-#include "color/kernels/simd_levels.h"
+#include "framework/simd_levels.h"
 
 namespace Lumaforge {
 

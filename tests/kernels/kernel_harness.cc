@@ -209,12 +209,14 @@ const std::vector<std::unique_ptr<FamilyBase>>& RegisteredFamilies() { return Re
 
 const std::vector<Level>& Levels() {
   static const std::vector<Level> levels = [] {
+    // Every bit some family selects on, in the order processors gained them.
+    const Level steps[] = {{"sse", kCpuSSE},     {"sse2", kCpuSSE2}, {"ssse3", kCpuSSSE3}, {"sse41", kCpuSSE41},
+                           {"sse42", kCpuSSE42}, {"avx", kCpuAVX},   {"avx2", kCpuAVX2}};
     std::vector<Level> result = {{"c", 0}};
-    const char* names[] = {"sse2", "ssse3", "sse42", "avx", "avx2"};
     uint32_t features = 0;
-    for (size_t i = 0; i < std::size(kKernelLevelBits); ++i) {
-      features |= kKernelLevelBits[i];
-      result.push_back({names[i], features});
+    for (const Level& step : steps) {
+      features |= step.features;
+      result.push_back({step.name, features});
     }
     return result;
   }();

@@ -4,8 +4,8 @@
 // its kernel declarations and expands it through
 // LUMAFORGE_DECLARE_FOR_EACH_LEVEL, so the plain and vector forms can never
 // disagree on a signature.
-#ifndef LUMAFORGE_COLOR_KERNELS_SIMD_LEVELS_H_
-#define LUMAFORGE_COLOR_KERNELS_SIMD_LEVELS_H_
+#ifndef LUMAFORGE_FRAMEWORK_SIMD_LEVELS_H_
+#define LUMAFORGE_FRAMEWORK_SIMD_LEVELS_H_
 
 #define LUMAFORGE_DECLARE_FOR_EACH_LEVEL(declare) \
   namespace sse2 {                                \
@@ -45,4 +45,4 @@
     }                                               \
   } while (0)
 
-#endif  // LUMAFORGE_COLOR_KERNELS_SIMD_LEVELS_H_
+#endif  // LUMAFORGE_FRAMEWORK_SIMD_LEVELS_H_
