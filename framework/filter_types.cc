@@ -4,6 +4,7 @@
 
 #include "color/color_space_convertor.h"
 #include "color/image_crop.h"
+#include "scaling/downsampling.h"
 
 namespace Lumaforge {
 namespace {
@@ -18,8 +19,10 @@ CLumaforgeFramework* Create(uint32_t cpuFeatures) {
 const FilterTypeInfo* FindFilterType(int32_t type) {
   static const FilterTypeInfo kCsc{Create<CColorSpaceConvertor>, "Create ColorSpaceConvertion CSC(%p)", false};
   static const FilterTypeInfo kCrop{Create<CImageCrop>, "Create ImageCrop(%p)", false};
+  static const FilterTypeInfo kDownsample{Create<CDownsampling>, "Create Downsample(%p)", true};
   switch (type) {
     case LF_FILTER_CSC: return &kCsc;
+    case LF_FILTER_DOWNSAMPLE: return &kDownsample;
     case LF_FILTER_CROP: return &kCrop;
     default: return nullptr;
   }

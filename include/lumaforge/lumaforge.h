@@ -74,6 +74,12 @@ enum ParamId : int32_t {
 enum FilterType : int32_t {
   LF_FILTER_ALL = 0,  // SetParam only: the manager and every existing filter
   LF_FILTER_CSC = 1,  // colour space conversion: no configuration; converts input to output's format
+  // Downsampling of RGB24/BGR24, 32-bit RGB, RGBP, I420 and 8-bit grey (31)
+  // pictures to a smaller even size. No configuration; the Init flag 1 makes
+  // the filter write into the caller's output planes (copying back when they
+  // are not 16-byte aligned), 0 hands back the filter's own buffer in the
+  // output record (valid until the next Process or Uninit).
+  LF_FILTER_DOWNSAMPLE = 8,
   LF_FILTER_CROP = 16,
 };
 

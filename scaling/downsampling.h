@@ -1,0 +1,93 @@
+// Downsampling (filter type 8): shrinks a picture to a smaller caller-chosen
+// size. Exact halvings use a six-tap half-band filter, other ratios a
+// four-tap phase filter; large ratios first halve repeatedly through the
+// filter's own sample planes.
+#ifndef LUMAFORGE_SCALING_DOWNSAMPLING_H_
+#define LUMAFORGE_SCALING_DOWNSAMPLING_H_
+
+#include <cstdint>
+
+#include "framework/lumaforge_framework.h"
+#include "scaling/kernels/box_scale.h"
+#include "scaling/kernels/multitap_scale.h"
+
+namespace Lumaforge {
+
+// A picture the filter works on: its own buffers or a copy of a caller's record.
+struct WorkPicture {
+  uint8_t* planes[3] = {};
+  uint32_t strides[3] = {};
+  uint32_t width = 0, height = 0;
+};
+
+// One plane to scale: pointer, stride, size.
+struct PlaneView {
+  uint8_t* data;
+  int32_t stride, width, height;
+};
+
+class CDownsampling : public CLumaforgeFramework {
+ public:
+  explicit CDownsampling(uint32_t cpuFeatures);
+  ~CDownsampling() override;
+
+  // A non-zero flag selects the caller-buffer mode: results go straight to
+  // the caller's aligned output planes. Otherwise the output record receives
+  // the filter's own buffer.
+  int32_t Init(void* config, uint8_t flag) override;
+  int32_t Uninit() override;
+  int32_t Process(VideoPicture* input, VideoPicture* output) override;
+  int32_t SetParam(ParamId id, void* value) override;
+  int32_t GetParam(ParamId id, void* value) override;
+
+ private:
+  // A growable work block and the picture carved from it.
+  struct WorkBuffer {
+    uint8_t* block = nullptr;
+    uint32_t capacity = 0;
+    bool allocated = false;
+    uint32_t width = 0, height = 0, format = 0;
+  };
+
+  int32_t InitBuffer(const VideoPicture* input, VideoPicture* output);
+  int32_t AllocateSampleBuffers(uint32_t code);
+  int32_t AllocateWorkPicture(WorkBuffer& buffer, WorkPicture& picture, const VideoPicture& like, uint32_t code,
+                              const char* what);
+  bool IsAligned(const VideoPicture& picture, uint32_t code) const;
+  void CopyPicture(const WorkPicture& from, WorkPicture& to, uint32_t code) const;
+  void ReleaseBuffers();
+
+  // Scaling one plane: the direct path or the halving cascade.
+  void ScalePlane(const PlaneView& src, const PlaneView& dst, int32_t plane, bool chroma);
+  void Halve(const PlaneView& src, const PlaneView& dst, int32_t processedWidth);
+  void Resample(const PlaneView& src, const PlaneView& dst, bool chroma);
+  void DownsampleHalfMultiTap(const PlaneView& src, const PlaneView& dst);
+  void DownsampleGeneralMultiTap(const PlaneView& src, const PlaneView& dst);
+
+  bool m_bCallerBuffers = false;
+  uint32_t m_uCpuFeatures;
+  uint32_t m_uMargin = 0;
+  uint8_t* m_pSampleBlock = nullptr;
+  uint8_t* m_pSamplePlanes[2][3] = {};
+  uint8_t* m_pHalfBandTempBuffer = nullptr;
+  uint32_t m_uHalfBandTempCapacity = 0;
+  uint8_t* m_pGeneralTempBuffer = nullptr;
+  uint32_t m_uGeneralTempCapacity = 0;
+  bool m_bSampleBufferFailed = false;
+  int8_t m_HalfBandTaps[6] = {};
+  bool m_bHalfBandMultiTap = true;
+  bool m_bGeneralMultiTap = true;
+  int32_t m_iHalfBandTapCount = 6;
+  BoxScaleKernels m_box;
+  MultiTapScaleKernels m_multiTap;
+  int8_t m_PhaseTable[64][4] = {};
+  WorkPicture m_SrcPicture, m_DstPicture;
+  WorkBuffer m_srcBuffer, m_dstBuffer;
+  bool m_bSampleBuffersAllocated = false;
+  bool m_bCopyBack = false;
+  int32_t m_iBytesPerPixel = 1;
+};
+
+}  // namespace Lumaforge
+
+#endif  // LUMAFORGE_SCALING_DOWNSAMPLING_H_

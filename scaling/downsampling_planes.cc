@@ -1,0 +1,146 @@
+// The per-plane paths of the downscaler: the direct path, the halving
+// cascade through the sample planes, and the two multi-tap filters.
+#include <cstring>
+
+#include "framework/buffers.h"
+#include "scaling/downsample_taps.h"
+#include "scaling/downsampling.h"
+
+namespace Lumaforge {
+namespace {
+
+// Sample planes hold at most this many samples per row and rows.
+constexpr int32_t kSampleLumaWidth = 1920, kSampleLumaHeight = 1088;
+
+uint8_t* AlignUp16(uint8_t* p) {
+  return reinterpret_cast<uint8_t*>((reinterpret_cast<uintptr_t>(p) + 15) & ~uintptr_t{15});
+}
+
+const uint8_t* Row(const PlaneView& p, int32_t y) { return p.data + static_cast<ptrdiff_t>(y) * p.stride; }
+
+}  // namespace
+
+void CDownsampling::ScalePlane(const PlaneView& src, const PlaneView& dst, int32_t plane, bool chroma) {
+  const int32_t W = src.width, H = src.height, w = dst.width, h = dst.height;
+  // Chroma sample planes of I420 are a quarter of the luma ones; a plane
+  // whose first halving would not fit its sample plane, or that has none
+  // (the planes are cut for the first frame's format), scales directly.
+  const int32_t limitW = chroma ? kSampleLumaWidth / 2 : kSampleLumaWidth;
+  const int32_t limitH = chroma ? kSampleLumaHeight / 2 : kSampleLumaHeight;
+  const bool direct = W / 2 > limitW || H / 2 > limitH || m_bSampleBufferFailed || !m_pSamplePlanes[0][plane];
+  if (direct) {
+    if (w == W / 2 && h == H / 2) {
+      Halve(src, dst, W);
+    } else if (w == W >> 2 && h == H >> 2) {
+      m_box.quarter(src.data, src.stride, dst.data, dst.stride, W, H);
+    } else if (w == W / 3 && h == H / 3) {
+      m_box.third(src.data, src.stride, dst.data, dst.stride, W, H);
+    } else {
+      Resample(src, dst, chroma);
+    }
+    return;
+  }
+  // Halve while both halves stay larger than the target, then finish with
+  // one exact halving or one resampling into the output.
+  PlaneView current = src;
+  int32_t set = 0;
+  for (;;) {
+    const int32_t hw = current.width >> 1, hh = current.height >> 1;
+    if (hw == w && hh == h) {
+      Halve(current, dst, current.width);
+      return;
+    }
+    if (hw <= w || hh <= h) {
+      Resample(current, dst, chroma);
+      return;
+    }
+    const PlaneView sample{m_pSamplePlanes[set][plane], (hw + 31) & ~31, hw, hh};
+    int32_t processed = current.width;
+    if (!m_bHalfBandMultiTap) {
+      // The 2x2 average runs over whole vectors, into the row padding.
+      processed = (current.stride % 32 == 0) ? (current.width + 31) & ~31 : (current.width + 15) & ~15;
+      if (processed > current.stride) processed = current.width;
+    }
+    Halve(current, sample, processed);
+    current = sample;
+    set ^= 1;
+  }
+}
+
+void CDownsampling::Halve(const PlaneView& src, const PlaneView& dst, int32_t processedWidth) {
+  if (m_bHalfBandMultiTap) {
+    DownsampleHalfMultiTap(src, dst);
+    return;
+  }
+  const BoxScaleFn half = (src.stride % 32 == 0) ? m_box.halfAligned : m_box.halfUnaligned;
+  half(src.data, src.stride, dst.data, dst.stride, processedWidth, src.height);
+}
+
+void CDownsampling::Resample(const PlaneView& src, const PlaneView& dst, bool chroma) {
+  if (m_bGeneralMultiTap) {
+    DownsampleGeneralMultiTap(src, dst);
+    return;
+  }
+  const BilinearFn bilinear = chroma ? m_box.generalChroma : m_box.generalLuma;
+  bilinear(src.data, src.stride, src.width, src.height, dst.data, dst.stride, dst.width, dst.height);
+}
+
+void CDownsampling::DownsampleHalfMultiTap(const PlaneView& src, const PlaneView& dst) {
+  const int32_t W = src.width, H = src.height;
+  // Rows of the vertical pass, with 16 bytes of edge copies on each side.
+  const int32_t T = (W + 47) & ~15;
+  const uint32_t needed = static_cast<uint32_t>((H / 2 + 1) * T);
+  uint8_t* grown = EnsureCapacity(m_pHalfBandTempBuffer, m_uHalfBandTempCapacity, needed);
+  if (!grown) {
+    if (m_pLogger) m_pLogger->Error("CDownsampling::DownsampleHalfMultiTap(), Allocate m_pHalfBandTempBuffer failed.");
+    return;
+  }
+  m_pHalfBandTempBuffer = grown;
+  uint8_t* origin = AlignUp16(m_pHalfBandTempBuffer) + 32;
+  m_multiTap.halfBandVertical(src.data, src.stride, W, H, origin, T, m_HalfBandTaps);
+  if (H >= 2) {
+    for (int32_t j = 0; j < H / 2; ++j) {
+      uint8_t* row = origin + static_cast<ptrdiff_t>(j) * T;
+      std::memset(row - 16, row[0], 16);
+      std::memset(row + W, row[W - 1], 16);
+    }
+  }
+  m_multiTap.halfBandHorizontal(origin, T, W, H / 2, dst.data, dst.stride, m_HalfBandTaps);
+}
+
+void CDownsampling::DownsampleGeneralMultiTap(const PlaneView& src, const PlaneView& dst) {
+  const int32_t W = src.width, H = src.height, w = dst.width, h = dst.height;
+  const int32_t stepY = static_cast<int32_t>((h / 2 + (static_cast<int64_t>(H) << 16)) / h);
+  const int32_t stepX = static_cast<int32_t>((w / 2 + (static_cast<int64_t>(W) << 16)) / w);
+  const int32_t startX = (stepX >> 1) - 32768;
+  const int32_t widthIndex = SpecialRatioIndex(w, W);
+  const int32_t heightIndex = widthIndex ? SpecialRatioIndex(h, H) : 0;
+  const int8_t(*columnTaps)[4] = widthIndex ? SpecialRatioPhases(widthIndex) : m_PhaseTable;
+  const int32_t columnCycle = widthIndex ? SpecialRatioPhaseCount(widthIndex) : 0;
+
+  // One filtered line with 16 bytes in front; three edge copies on each side
+  // cover every position the horizontal taps reach.
+  const uint32_t needed = static_cast<uint32_t>((2 * W + 79) & ~15);
+  uint8_t* grown = EnsureCapacity(m_pGeneralTempBuffer, m_uGeneralTempCapacity, needed);
+  if (!grown) {
+    if (m_pLogger) m_pLogger->Error("CDownsampling::DownsampleHalfMultiTap(), Allocate m_pGeneralTempBuffer failed.");
+    return;
+  }
+  m_pGeneralTempBuffer = grown;
+  uint8_t* line = AlignUp16(m_pGeneralTempBuffer) + 16;
+
+  int32_t posY = (stepY >> 1) - 32768;
+  for (int32_t r = 0; r < h; ++r, posY += stepY) {
+    const int32_t y = posY >> 16;
+    const int8_t* taps = heightIndex ? SpecialRatioPhases(heightIndex)[r % SpecialRatioPhaseCount(heightIndex)]
+                                     : m_PhaseTable[(posY >> 10) & 63];
+    auto row = [&](int32_t k) { return Row(src, k < 0 ? 0 : (k > H - 1 ? H - 1 : k)); };
+    m_multiTap.fourTapVertical(row(y - 1), row(y), row(y + 1), row(y + 2), line, W, taps);
+    std::memset(line - 3, line[0], 3);
+    std::memset(line + W, line[W - 1], 3);
+    m_multiTap.fourTapHorizontal(line, dst.data + static_cast<ptrdiff_t>(r) * dst.stride, w, startX, stepX, columnTaps,
+                                 columnCycle);
+  }
+}
+
+}  // namespace Lumaforge
