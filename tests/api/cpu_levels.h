@@ -19,8 +19,8 @@ struct CpuLevel {
 };
 
 inline void ForEachCpuLevel(const std::function<void(const CpuLevel&)>& body) {
-  static const CpuLevel kLevels[] = {{"c", "0", 0},         {"sse2", "0x8", 1},  {"ssse3", "0x208", 2},
-                                     {"sse42", "0x608", 3}, {"avx", "0xe08", 4}, {"avx2", "0xffffffff", 5}};
+  static const CpuLevel kLevels[] = {{"c", "0", 0},         {"sse2", "0xd", 1},  {"ssse3", "0x20d", 2},
+                                     {"sse42", "0x62d", 3}, {"avx", "0xe2d", 4}, {"avx2", "0xffffffff", 5}};
   Lumaforge::test::UnsetEnv("LUMAFORGE_CPU_MASK");
   const int32_t available = GetLumaforgeArch();
   for (const CpuLevel& level : kLevels) {

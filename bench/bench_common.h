@@ -1,0 +1,62 @@
+// Shared pieces of the benchmarks: timing, and running a filter through the
+// public interface at every processor level this machine has.
+#ifndef LUMAFORGE_BENCH_BENCH_COMMON_H_
+#define LUMAFORGE_BENCH_BENCH_COMMON_H_
+
+#include <algorithm>
+#include <chrono>
+#include <functional>
+
+#include "lumaforge/lumaforge.h"
+#include "tests/environment.h"
+
+namespace Lumaforge::bench {
+
+// Best milliseconds per call over seven batches (after one warm-up call).
+inline double TimeMs(const std::function<void()>& work, int callsPerBatch) {
+  work();
+  double best = 1e30;
+  for (int batch = 0; batch < 7; ++batch) {
+    const auto start = std::chrono::steady_clock::now();
+    for (int i = 0; i < callsPerBatch; ++i) work();
+    const double ms = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+    best = std::min(best, ms / callsPerBatch);
+  }
+  return best;
+}
+
+struct Level {
+  const char* name;
+  const char* mask;  // for LUMAFORGE_CPU_MASK
+  int32_t tier;
+};
+
+inline const Level kLevels[] = {{"c", "0", 0},         {"sse2", "0xd", 1},  {"ssse3", "0x20d", 2},
+                                {"sse42", "0x62d", 3}, {"avx", "0xe2d", 4}, {"avx2", "0xffffffff", 5}};
+
+inline int32_t AvailableTier() {
+  test::UnsetEnv("LUMAFORGE_CPU_MASK");
+  return GetLumaforgeArch();
+}
+
+// Runs `body` with a silent manager whose filter `type` was initialised
+// (with `flag`) under each level's feature mask.
+inline void ForEachLevel(int32_t type, uint8_t flag, const std::function<void(const Level&, ILumaforge*)>& body) {
+  const int32_t available = AvailableTier();
+  for (const Level& level : kLevels) {
+    if (level.tier > available) break;
+    test::SetEnv("LUMAFORGE_CPU_MASK", level.mask);
+    ILumaforge* lf = nullptr;
+    CreateLumaforge(&lf);
+    int32_t silent = -1;
+    lf->SetParam(LF_FILTER_ALL, LF_PARAM_LOG_LEVEL, &silent);
+    lf->Init(type, nullptr, flag);
+    body(level, lf);
+    DestroyLumaforge(lf);
+  }
+  test::UnsetEnv("LUMAFORGE_CPU_MASK");
+}
+
+}  // namespace Lumaforge::bench
+
+#endif  // LUMAFORGE_BENCH_BENCH_COMMON_H_
