@@ -97,15 +97,20 @@ void CDownsampling::DownsampleHalfMultiTap(const PlaneView& src, const PlaneView
   }
   m_pHalfBandTempBuffer = grown;
   uint8_t* origin = AlignUp16(m_pHalfBandTempBuffer) + 32;
-  m_multiTap.halfBandVertical(src.data, src.stride, W, H, origin, T, m_HalfBandTaps);
-  if (H >= 2) {
-    for (int32_t j = 0; j < H / 2; ++j) {
+  // Both passes run band by band, so the scratch rows are read back while
+  // still in the cache; the bytes are those of two whole-plane passes.
+  constexpr int32_t kBandRows = 8;
+  for (int32_t j0 = 0; j0 < H / 2; j0 += kBandRows) {
+    const int32_t rows = H / 2 - j0 < kBandRows ? H / 2 - j0 : kBandRows;
+    m_multiTap.halfBandVertical(src.data, src.stride, W, H, origin, T, m_HalfBandTaps, j0, rows);
+    for (int32_t j = 0; j < rows; ++j) {
       uint8_t* row = origin + static_cast<ptrdiff_t>(j) * T;
       std::memset(row - 16, row[0], 16);
       std::memset(row + W, row[W - 1], 16);
     }
+    m_multiTap.halfBandHorizontal(origin, T, W, rows, dst.data + static_cast<ptrdiff_t>(j0) * dst.stride, dst.stride,
+                                  m_HalfBandTaps);
   }
-  m_multiTap.halfBandHorizontal(origin, T, W, H / 2, dst.data, dst.stride, m_HalfBandTaps);
 }
 
 void CDownsampling::DownsampleGeneralMultiTap(const PlaneView& src, const PlaneView& dst) {

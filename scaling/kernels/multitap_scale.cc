@@ -9,7 +9,13 @@ void InitMultiTapScaleKernels(MultiTapScaleKernels* kernels, uint32_t cpuFeature
   kernels->halfBandHorizontal = HalfBandHorizontal_c;
   kernels->fourTapVertical = FourTapVertical_c;
   kernels->fourTapHorizontal = FourTapHorizontal_c;
-  (void)cpuFeatures;  // vector forms are installed here as they land
+#define INSTALL(level)                                     \
+  kernels->halfBandVertical = level::HalfBandVertical;     \
+  kernels->halfBandHorizontal = level::HalfBandHorizontal; \
+  kernels->fourTapVertical = level::FourTapVertical;       \
+  kernels->fourTapHorizontal = level::FourTapHorizontal;
+  LUMAFORGE_INSTALL_LADDER(cpuFeatures, INSTALL);
+#undef INSTALL
 }
 
 }  // namespace Lumaforge

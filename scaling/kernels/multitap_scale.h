@@ -14,10 +14,12 @@
 
 namespace Lumaforge {
 
-// Rows j < height / 2 of `width` samples:
+// Rows j of `width` samples, firstRow <= j < min(firstRow + rowCount,
+// height / 2), written to dst row j - firstRow:
 //   dst(x, j) = clamp((32 + sum_k src(x, clamp(2j - 2 + k, 0, height - 1)) * taps[5 - k]) >> 6), k < 6.
+// The row range lets a caller run both passes band by band in the cache.
 using HalfBandVerticalFn = void (*)(const uint8_t* src, int32_t srcStride, int32_t width, int32_t height, uint8_t* dst,
-                                    int32_t dstStride, const int8_t* taps);
+                                    int32_t dstStride, const int8_t* taps, int32_t firstRow, int32_t rowCount);
 // `rows` rows of `width` samples, each readable two samples before its start
 // and three past its end; writes width / 2 samples per row:
 //   dst(i, j) = clamp((32 + sum_k src_j(2i - 2 + k) * taps[5 - k]) >> 6), k < 6.
@@ -44,7 +46,7 @@ void InitMultiTapScaleKernels(MultiTapScaleKernels* kernels, uint32_t cpuFeature
 
 #define LUMAFORGE_MULTITAP_SCALE_KERNELS                                                                          \
   void HalfBandVertical(const uint8_t* src, int32_t srcStride, int32_t width, int32_t height, uint8_t* dst,       \
-                        int32_t dstStride, const int8_t* taps);                                                   \
+                        int32_t dstStride, const int8_t* taps, int32_t firstRow, int32_t rowCount);               \
   void HalfBandHorizontal(const uint8_t* src, int32_t srcStride, int32_t width, int32_t rows, uint8_t* dst,       \
                           int32_t dstStride, const int8_t* taps);                                                 \
   void FourTapVertical(const uint8_t* r0, const uint8_t* r1, const uint8_t* r2, const uint8_t* r3, uint8_t* line, \
@@ -53,7 +55,7 @@ void InitMultiTapScaleKernels(MultiTapScaleKernels* kernels, uint32_t cpuFeature
                          const int8_t(*phases)[4], int32_t cycleLength);
 
 void HalfBandVertical_c(const uint8_t* src, int32_t srcStride, int32_t width, int32_t height, uint8_t* dst,
-                        int32_t dstStride, const int8_t* taps);
+                        int32_t dstStride, const int8_t* taps, int32_t firstRow, int32_t rowCount);
 void HalfBandHorizontal_c(const uint8_t* src, int32_t srcStride, int32_t width, int32_t rows, uint8_t* dst,
                           int32_t dstStride, const int8_t* taps);
 void FourTapVertical_c(const uint8_t* r0, const uint8_t* r1, const uint8_t* r2, const uint8_t* r3, uint8_t* line,

@@ -11,15 +11,16 @@ inline uint8_t Clamp6(int32_t sum) {
 }  // namespace
 
 void HalfBandVertical_c(const uint8_t* src, int32_t srcStride, int32_t width, int32_t height, uint8_t* dst,
-                        int32_t dstStride, const int8_t* taps) {
-  for (int32_t j = 0; j < height / 2; ++j) {
+                        int32_t dstStride, const int8_t* taps, int32_t firstRow, int32_t rowCount) {
+  const int32_t endRow = firstRow + rowCount < height / 2 ? firstRow + rowCount : height / 2;
+  for (int32_t j = firstRow; j < endRow; ++j) {
     const uint8_t* rows[6];
     for (int32_t k = 0; k < 6; ++k) {
       int32_t y = 2 * j - 2 + k;
       y = y < 0 ? 0 : (y > height - 1 ? height - 1 : y);
       rows[k] = src + static_cast<ptrdiff_t>(y) * srcStride;
     }
-    uint8_t* out = dst + static_cast<ptrdiff_t>(j) * dstStride;
+    uint8_t* out = dst + static_cast<ptrdiff_t>(j - firstRow) * dstStride;
     for (int32_t x = 0; x < width; ++x) {
       int32_t sum = 0;
       for (int32_t k = 0; k < 6; ++k) sum += rows[k][x] * taps[5 - k];

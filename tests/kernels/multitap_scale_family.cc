@@ -46,46 +46,52 @@ KernelEntry<Table> HorizontalEntry(const char* name, int32_t cycleLength) {
       });
 }
 
-const FamilyRegistration<Table> kRegistration{"multitap_scale",
-                                              InitMultiTapScaleKernels,
-                                              {
-                                                  Entry<Table, HalfBandVerticalFn>(
-                                                      "half_band_vertical", &Table::halfBandVertical,
-                                                      [](const Shape& s, Buffers& b) {
-                                                        b.AddInput("src", s.width, s.height);
-                                                        b.AddOutput("dst", s.width, s.height / 2);
-                                                      },
-                                                      [](HalfBandVerticalFn kernel, Buffers& b) {
-                                                        kernel(b[0].Row(0), b[0].Stride(), b[0].RowBytes(), b[0].Rows(),
-                                                               b[1].Row(0), b[1].Stride(), kHalfBandTaps);
-                                                      },
-                                                      {.maxHeight = 12}),
-                                                  Entry<Table, HalfBandHorizontalFn>(
-                                                      "half_band_horizontal", &Table::halfBandHorizontal,
-                                                      [](const Shape& s, Buffers& b) {
-                                                        b.AddInput("src", s.width, s.height);
-                                                        b.AddOutput("dst", s.width / 2, s.height);
-                                                      },
-                                                      [](HalfBandHorizontalFn kernel, Buffers& b) {
-                                                        kernel(b[0].Row(0), b[0].Stride(), b[0].RowBytes(), b[0].Rows(),
-                                                               b[1].Row(0), b[1].Stride(), kHalfBandTaps);
-                                                      }),
-                                                  Entry<Table, FourTapVerticalFn>(
-                                                      "four_tap_vertical", &Table::fourTapVertical,
-                                                      [](const Shape& s, Buffers& b) {
-                                                        b.AddInput("rows", s.width, 4);
-                                                        b.AddOutput("line", s.width, 1);
-                                                      },
-                                                      [](FourTapVerticalFn kernel, Buffers& b) {
-                                                        for (int32_t p = 0; p < 64; p += 9) {
-                                                          kernel(b[0].Row(0), b[0].Row(1), b[0].Row(2), b[0].Row(3),
-                                                                 b[1].Row(0), b[0].RowBytes(), kPhases.taps[p]);
-                                                        }
-                                                      }),
-                                                  HorizontalEntry("four_tap_horizontal", 0),
-                                                  HorizontalEntry("four_tap_horizontal_cycle9", 9),
-                                                  HorizontalEntry("four_tap_horizontal_cycle2", 2),
-                                              }};
+std::vector<KernelEntry<Table>> Entries() {
+  std::vector<KernelEntry<Table>> entries;
+  entries.push_back(Entry<Table, HalfBandVerticalFn>(
+      "half_band_vertical", &Table::halfBandVertical,
+      [](const Shape& s, Buffers& b) {
+        b.AddInput("src", s.width, s.height);
+        b.AddOutput("dst", s.width, s.height / 2);
+      },
+      [](HalfBandVerticalFn kernel, Buffers& b) {
+        // The top rows in one call, the rest in bands of three, as the filter bands them.
+        const int32_t rows = b[1].Rows(), first = rows / 3;
+        kernel(b[0].Row(0), b[0].Stride(), b[0].RowBytes(), b[0].Rows(), b[1].Row(0), b[1].Stride(), kHalfBandTaps, 0,
+               first);
+        for (int32_t j = first; j < rows; j += 3) {
+          kernel(b[0].Row(0), b[0].Stride(), b[0].RowBytes(), b[0].Rows(), b[1].Row(j), b[1].Stride(), kHalfBandTaps, j,
+                 3);
+        }
+      },
+      {.maxHeight = 12}));
+  entries.push_back(Entry<Table, HalfBandHorizontalFn>(
+      "half_band_horizontal", &Table::halfBandHorizontal,
+      [](const Shape& s, Buffers& b) {
+        b.AddInput("src", s.width, s.height);
+        b.AddOutput("dst", s.width / 2, s.height);
+      },
+      [](HalfBandHorizontalFn kernel, Buffers& b) {
+        kernel(b[0].Row(0), b[0].Stride(), b[0].RowBytes(), b[0].Rows(), b[1].Row(0), b[1].Stride(), kHalfBandTaps);
+      }));
+  entries.push_back(Entry<Table, FourTapVerticalFn>(
+      "four_tap_vertical", &Table::fourTapVertical,
+      [](const Shape& s, Buffers& b) {
+        b.AddInput("rows", s.width, 4);
+        b.AddOutput("line", s.width, 1);
+      },
+      [](FourTapVerticalFn kernel, Buffers& b) {
+        for (int32_t p = 0; p < 64; p += 9) {
+          kernel(b[0].Row(0), b[0].Row(1), b[0].Row(2), b[0].Row(3), b[1].Row(0), b[0].RowBytes(), kPhases.taps[p]);
+        }
+      }));
+  entries.push_back(HorizontalEntry("four_tap_horizontal", 0));
+  entries.push_back(HorizontalEntry("four_tap_horizontal_cycle9", 9));
+  entries.push_back(HorizontalEntry("four_tap_horizontal_cycle2", 2));
+  return entries;
+}
+
+const FamilyRegistration<Table> kRegistration{"multitap_scale", InitMultiTapScaleKernels, Entries()};
 
 }  // namespace
 }  // namespace Lumaforge::test
