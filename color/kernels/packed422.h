@@ -10,8 +10,8 @@
 
 #include <cstdint>
 
-#include "framework/simd_levels.h"
 #include "framework/formats.h"
+#include "framework/simd_levels.h"
 
 namespace Lumaforge {
 
