@@ -166,6 +166,8 @@ void HalfBandVertical(const uint8_t* src, int32_t srcStride, int32_t width, int3
     uint8_t* out = dst + static_cast<ptrdiff_t>(j - firstRow) * dstStride;
     for (int32_t x = 0; x < vecWidth; x += 16) Store(out + x, SixRows(rows, x, taps));
   }
+  // The plain tail walks its rows even without columns: skip it when empty.
+  if (vecWidth == width) return;
   HalfBandVertical_c(src + vecWidth, srcStride, width - vecWidth, height, dst + vecWidth, dstStride, taps, firstRow,
                      rowCount);
 }
@@ -187,6 +189,7 @@ void HalfBandHorizontal(const uint8_t* src, int32_t srcStride, int32_t width, in
       Store(out + i, _mm_packus_epi16(Round6(lo), Round6(hi)));
     }
   }
+  if (2 * vecOut == width) return;
   HalfBandHorizontal_c(src + 2 * vecOut, srcStride, width - 2 * vecOut, rows, dst + vecOut, dstStride, taps);
 }
 

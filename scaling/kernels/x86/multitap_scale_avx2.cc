@@ -98,6 +98,8 @@ void HalfBandVertical(const uint8_t* src, int32_t srcStride, int32_t width, int3
       }
     }
   }
+  // The plain tail walks its rows even without columns: skip it when empty.
+  if (vecWidth == width) return;
   HalfBandVertical_c(src + vecWidth, srcStride, width - vecWidth, height, dst + vecWidth, dstStride, taps, firstRow,
                      rowCount);
 }
@@ -121,6 +123,7 @@ void HalfBandHorizontal(const uint8_t* src, int32_t srcStride, int32_t width, in
       Store(out + i, _mm256_permute4x64_epi64(_mm256_packus_epi16(a, b), 0xD8));
     }
   }
+  if (2 * vecOut == width) return;
   HalfBandHorizontal_c(src + 2 * vecOut, srcStride, width - 2 * vecOut, rows, dst + vecOut, dstStride, taps);
 }
 
