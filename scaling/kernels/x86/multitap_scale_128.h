@@ -23,21 +23,10 @@
 #include <cstring>
 
 #include "scaling/kernels/multitap_scale.h"
+#include "scaling/kernels/x86/multitap_tap_range.h"
 
 namespace Lumaforge::LUMAFORGE_SIMD_LEVEL {
 namespace {
-
-inline int32_t Abs8(int8_t t) { return t < 0 ? -t : t; }
-
-inline bool SixTapsFit(const int8_t* taps) {
-  int32_t total = 0;
-  for (int32_t k = 0; k < 6; ++k) total += Abs8(taps[k]);
-  return total <= 128;
-}
-
-inline bool FourTapPairsFit(const int8_t* t) {
-  return Abs8(t[0]) + Abs8(t[1]) <= 128 && Abs8(t[2]) + Abs8(t[3]) <= 128;
-}
 
 inline __m128i Load(const uint8_t* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); }
 inline void Store(uint8_t* p, __m128i v) { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v); }

@@ -6,21 +6,10 @@
 #include <climits>
 
 #include "scaling/kernels/multitap_scale.h"
+#include "scaling/kernels/x86/multitap_tap_range.h"
 
 namespace Lumaforge::avx2 {
 namespace {
-
-inline int32_t Abs8(int8_t t) { return t < 0 ? -t : t; }
-
-inline bool SixTapsFit(const int8_t* taps) {
-  int32_t total = 0;
-  for (int32_t k = 0; k < 6; ++k) total += Abs8(taps[k]);
-  return total <= 128;
-}
-
-inline bool FourTapPairsFit(const int8_t* t) {
-  return Abs8(t[0]) + Abs8(t[1]) <= 128 && Abs8(t[2]) + Abs8(t[3]) <= 128;
-}
 
 inline __m256i Load(const uint8_t* p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)); }
 inline void Store(uint8_t* p, __m256i v) { _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), v); }
