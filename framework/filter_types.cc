@@ -2,6 +2,7 @@
 
 #include <new>
 
+#include "color/alpha_blend.h"
 #include "color/color_space_convertor.h"
 #include "color/image_crop.h"
 #include "scaling/downsampling.h"
@@ -20,8 +21,10 @@ const FilterTypeInfo* FindFilterType(int32_t type) {
   static const FilterTypeInfo kCsc{Create<CColorSpaceConvertor>, "Create ColorSpaceConvertion CSC(%p)", false};
   static const FilterTypeInfo kCrop{Create<CImageCrop>, "Create ImageCrop(%p)", false};
   static const FilterTypeInfo kDownsample{Create<CDownsampling>, "Create Downsample(%p)", true};
+  static const FilterTypeInfo kAlphaBlend{Create<CAlphaBlend>, "Create AlphaBlend(%p)", false};
   switch (type) {
     case LF_FILTER_CSC: return &kCsc;
+    case LF_FILTER_ALPHA_BLEND: return &kAlphaBlend;
     case LF_FILTER_DOWNSAMPLE: return &kDownsample;
     case LF_FILTER_CROP: return &kCrop;
     default: return nullptr;

@@ -81,6 +81,11 @@ enum FilterType : int32_t {
   // output record (valid until the next Process or Uninit).
   LF_FILTER_DOWNSAMPLE = 8,
   LF_FILTER_CROP = 16,
+  // Alpha blending: Init's config is the alpha map (output width x height
+  // bytes, rows packed; kept, not copied). Process mixes the input into the
+  // output in place: out = (in * (256 - a) + out * a) >> 8. 32-bit RGB and
+  // I420/YV12 outputs, tightly packed (rows are addressed by the width).
+  LF_FILTER_ALPHA_BLEND = 24,
 };
 
 // Log levels, and the callback that receives finished log lines.

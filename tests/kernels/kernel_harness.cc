@@ -186,20 +186,29 @@ Plane::Plane(int32_t rowBytes, int32_t rows, const Shape& shape, bool isOutput)
   m_start = aligned - reinterpret_cast<uintptr_t>(m_data.data()) + shape.misalign;
 }
 
-Plane& Buffers::AddInput(const std::string& name, int32_t rowBytes, int32_t rows) {
-  m_planes.push_back({name, std::make_unique<Plane>(rowBytes, rows, m_shape, false)});
-  Plane& plane = *m_planes.back().plane;
+void Buffers::Fill(Plane& plane) {
   m_uFillState = m_shape.seed * 2 + 1 + static_cast<uint32_t>(m_planes.size()) * 0x9E3779B9u;
   if (m_uFillState == 0) m_uFillState = 1;
-  for (int32_t y = 0; y < rows; ++y) {
+  for (int32_t y = 0; y < plane.Rows(); ++y) {
     uint8_t* row = plane.Row(y);
-    for (int32_t x = 0; x < rowBytes; ++x) row[x] = PatternByte(m_shape.pattern, x, y, m_uFillState);
+    for (int32_t x = 0; x < plane.RowBytes(); ++x) row[x] = PatternByte(m_shape.pattern, x, y, m_uFillState);
   }
-  return plane;
+}
+
+Plane& Buffers::AddInput(const std::string& name, int32_t rowBytes, int32_t rows) {
+  m_planes.push_back({name, std::make_unique<Plane>(rowBytes, rows, m_shape, false)});
+  Fill(*m_planes.back().plane);
+  return *m_planes.back().plane;
 }
 
 Plane& Buffers::AddOutput(const std::string& name, int32_t rowBytes, int32_t rows) {
   m_planes.push_back({name, std::make_unique<Plane>(rowBytes, rows, m_shape, true)});
+  return *m_planes.back().plane;
+}
+
+Plane& Buffers::AddInOut(const std::string& name, int32_t rowBytes, int32_t rows) {
+  m_planes.push_back({name, std::make_unique<Plane>(rowBytes, rows, m_shape, true)});
+  Fill(*m_planes.back().plane);
   return *m_planes.back().plane;
 }
 

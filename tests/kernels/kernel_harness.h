@@ -59,6 +59,9 @@ class Buffers {
   explicit Buffers(const Shape& shape) : m_shape(shape) {}
   Plane& AddInput(const std::string& name, int32_t rowBytes, int32_t rows);
   Plane& AddOutput(const std::string& name, int32_t rowBytes, int32_t rows);
+  // A plane the kernel reads and rewrites in place: filled like an input,
+  // compared like an output.
+  Plane& AddInOut(const std::string& name, int32_t rowBytes, int32_t rows);
   Plane& operator[](size_t index) { return *m_planes[index].plane; }
   size_t Count() const { return m_planes.size(); }
   const std::string& Name(size_t index) const { return m_planes[index].name; }
@@ -69,6 +72,7 @@ class Buffers {
     std::string name;
     std::unique_ptr<Plane> plane;
   };
+  void Fill(Plane& plane);
   Shape m_shape;
   uint32_t m_uFillState = 0;
   std::vector<Named> m_planes;

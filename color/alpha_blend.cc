@@ -1,0 +1,74 @@
+#include "color/alpha_blend.h"
+
+#include <cstddef>
+
+namespace Lumaforge {
+
+CAlphaBlend::CAlphaBlend(uint32_t cpuFeatures) : m_uFeatures(cpuFeatures) {
+  SetName("AlphaBlend");
+  CreateLogger();
+}
+
+CAlphaBlend::~CAlphaBlend() = default;
+
+int32_t CAlphaBlend::Init(void* config, uint8_t flag) {
+  m_pAlphaMap = static_cast<const uint8_t*>(config);
+  m_uFlag = flag;
+  return LF_OK;
+}
+
+int32_t CAlphaBlend::Uninit() { return LF_OK; }
+
+int32_t CAlphaBlend::SetParam(ParamId id, void* value) {
+  return (id == 0 && value == nullptr) ? LF_OK : LF_INVALID_PARAMETER;
+}
+
+int32_t CAlphaBlend::GetParam(ParamId id, void* value) {
+  return (id == 0 && value == nullptr) ? LF_OK : LF_INVALID_PARAMETER;
+}
+
+int32_t CAlphaBlend::Process(VideoPicture* input, VideoPicture* output) {
+  // The kernels are chosen on every call, from the constructor's word.
+  AlphaBlendKernels kernels;
+  InitAlphaBlendKernels(&kernels, m_uFeatures);
+  if (!input || !output || !m_pAlphaMap) return LF_INVALID_PARAMETER;
+  m_uOutWidth = output->width;
+  m_uOutHeight = output->height;
+  const size_t W = m_uOutWidth, H = m_uOutHeight;
+
+  // The whole format word: a bottom-up output is not accepted.
+  switch (output->format) {
+    case LF_RGBA:
+    case LF_BGRA:
+    case LF_ABGR:
+    case LF_ARGB:
+      for (size_t r = 0; r < H; ++r) {
+        kernels.rgb32Row(input->planes[0] + r * W * 4, output->planes[0] + r * W * 4, m_pAlphaMap + r * W,
+                         static_cast<int32_t>(W));
+      }
+      return LF_OK;
+    case LF_I420:
+    case LF_YV12: {
+      // Row pair by row pair: the two luma rows, then U and V of that chroma
+      // row, whose alphas are the first of those two map rows, still in the
+      // cache. Chroma sample (r, c) takes the alpha of its block's top-left pixel.
+      auto lumaRow = [&](size_t y) {
+        kernels.planeRow(input->planes[0] + y * W, output->planes[0] + y * W, m_pAlphaMap + y * W,
+                         static_cast<int32_t>(W));
+      };
+      for (size_t r = 0; r < H / 2; ++r) {
+        lumaRow(2 * r);
+        lumaRow(2 * r + 1);
+        for (int k = 1; k < 3; ++k) {
+          kernels.chromaRow(input->planes[k] + r * (W / 2), output->planes[k] + r * (W / 2), m_pAlphaMap + 2 * r * W,
+                            static_cast<int32_t>(W / 2));
+        }
+      }
+      if (H & 1) lumaRow(H - 1);
+      return LF_OK;
+    }
+    default: return LF_UNSUPPORTED;
+  }
+}
+
+}  // namespace Lumaforge

@@ -1,0 +1,26 @@
+#include "color/kernels/alpha_blend.h"
+
+namespace Lumaforge {
+namespace {
+
+inline uint8_t Blend(uint8_t in, uint8_t old, uint8_t a) {
+  return static_cast<uint8_t>((in * (256 - a) + old * a) >> 8);
+}
+
+}  // namespace
+
+void BlendRgb32Row_c(const uint8_t* in, uint8_t* out, const uint8_t* alpha, int32_t width) {
+  for (int32_t c = 0; c < width; ++c) {
+    for (int32_t k = 0; k < 4; ++k) out[4 * c + k] = Blend(in[4 * c + k], out[4 * c + k], alpha[c]);
+  }
+}
+
+void BlendPlaneRow_c(const uint8_t* in, uint8_t* out, const uint8_t* alpha, int32_t width) {
+  for (int32_t c = 0; c < width; ++c) out[c] = Blend(in[c], out[c], alpha[c]);
+}
+
+void BlendChromaRow_c(const uint8_t* in, uint8_t* out, const uint8_t* alpha, int32_t width) {
+  for (int32_t c = 0; c < width; ++c) out[c] = Blend(in[c], out[c], alpha[2 * c]);
+}
+
+}  // namespace Lumaforge
