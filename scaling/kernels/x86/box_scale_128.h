@@ -276,9 +276,17 @@ inline __m128i Luma8(__m128i top, __m128i bottom, __m128i fx, __m128i wyTop, __m
   return _mm_packus_epi16(words, words);
 }
 
-inline void BilinearLumaImpl(const uint8_t* src, int32_t srcStride, int32_t srcWidth, int32_t srcHeight, uint8_t* dst,
-                             int32_t dstStride, int32_t dstWidth, int32_t dstHeight) {
-  const int32_t stepX = BilinearStep(srcWidth, dstWidth, 65536.0f);
+// Walks the bilinear output of a plane, luma (columns in 16.16 from 32768)
+// or chroma (17.15 from 16384); rows are 17.15 from 16384. The last row and
+// the last column copy the source sample at their position; every other
+// row runs `vectors(line, fy, x, stepX, out)` over whole groups of kGroup
+// outputs starting at position x, then the scalar sample for the rest.
+template <int32_t kGroup, bool kChroma, typename Vectors>
+inline void BilinearPlaneRows(const uint8_t* src, int32_t srcStride, int32_t srcWidth, int32_t srcHeight, uint8_t* dst,
+                              int32_t dstStride, int32_t dstWidth, int32_t dstHeight, Vectors vectors) {
+  const int32_t xShift = kChroma ? 15 : 16, startX = kChroma ? 16384 : 32768;
+  const uint32_t fractionMask = kChroma ? 0x7FFF : 0xFFFF;
+  const int32_t stepX = BilinearStep(srcWidth, dstWidth, kChroma ? 32768.0f : 65536.0f);
   const int32_t stepY = BilinearStep(srcHeight, dstHeight, 32768.0f);
   const int32_t s = srcStride;
   int32_t y = 16384;
@@ -286,23 +294,31 @@ inline void BilinearLumaImpl(const uint8_t* src, int32_t srcStride, int32_t srcW
     const uint8_t* line = src + static_cast<ptrdiff_t>(y >> 15) * srcStride;
     uint8_t* out = dst + static_cast<ptrdiff_t>(row) * dstStride;
     if (row == dstHeight - 1) {
-      CopyRow(line, out, dstWidth, 32768, stepX, 16, 1);
+      CopyRow(line, out, dstWidth, startX, stepX, xShift, 1);
       break;
     }
     const uint32_t fy = static_cast<uint32_t>(y) & 0x7FFF;
-    const __m128i wyTop = _mm_set1_epi16(static_cast<int16_t>(32767 - fy));
-    const __m128i wyBottom = _mm_set1_epi16(static_cast<int16_t>(fy));
-    int32_t x = 32768, col = 0;
-    for (; col + 8 <= dstWidth - 1; col += 8, x += 8 * stepX) {
-      const __m128i r = Luma8(GatherPairs(line, x, stepX, 16), GatherPairs(line + s, x, stepX, 16),
-                              FractionLanes(x, stepX), wyTop, wyBottom);
-      _mm_storel_epi64(reinterpret_cast<__m128i*>(out + col), r);
-    }
+    int32_t x = startX, col = 0;
+    for (; col + kGroup <= dstWidth - 1; col += kGroup, x += kGroup * stepX) vectors(line, fy, x, stepX, out + col);
     for (; col < dstWidth - 1; ++col, x += stepX) {
-      out[col] = LumaSample(line + (x >> 16), s, static_cast<uint32_t>(x) & 0xFFFF, fy);
+      const uint32_t fx = static_cast<uint32_t>(x) & fractionMask;
+      out[col] = kChroma ? ChromaSample(line + (x >> xShift), s, fx, fy) : LumaSample(line + (x >> xShift), s, fx, fy);
     }
-    if (dstWidth > 0) out[dstWidth - 1] = line[x >> 16];
+    if (dstWidth > 0) out[dstWidth - 1] = line[x >> xShift];
   }
+}
+
+inline void BilinearLumaImpl(const uint8_t* src, int32_t srcStride, int32_t srcWidth, int32_t srcHeight, uint8_t* dst,
+                             int32_t dstStride, int32_t dstWidth, int32_t dstHeight) {
+  BilinearPlaneRows<8, false>(src, srcStride, srcWidth, srcHeight, dst, dstStride, dstWidth, dstHeight,
+                              [srcStride](const uint8_t* line, uint32_t fy, int32_t x, int32_t stepX, uint8_t* out) {
+                                const __m128i wyTop = _mm_set1_epi16(static_cast<int16_t>(32767 - fy));
+                                const __m128i wyBottom = _mm_set1_epi16(static_cast<int16_t>(fy));
+                                const __m128i r =
+                                    Luma8(GatherPairs(line, x, stepX, 16), GatherPairs(line + srcStride, x, stepX, 16),
+                                          FractionLanes(x, stepX), wyTop, wyBottom);
+                                _mm_storel_epi64(reinterpret_cast<__m128i*>(out), r);
+                              });
 }
 
 // Chroma, 8 outputs. The plain form needs 64-bit products: with the
@@ -336,30 +352,14 @@ inline __m128i Chroma8(__m128i top, __m128i bottom, __m128i fx, __m128i wy) {
 
 inline void BilinearChromaImpl(const uint8_t* src, int32_t srcStride, int32_t srcWidth, int32_t srcHeight, uint8_t* dst,
                                int32_t dstStride, int32_t dstWidth, int32_t dstHeight) {
-  const int32_t stepX = BilinearStep(srcWidth, dstWidth, 32768.0f);
-  const int32_t stepY = BilinearStep(srcHeight, dstHeight, 32768.0f);
-  const int32_t s = srcStride;
-  int32_t y = 16384;
-  for (int32_t row = 0; row < dstHeight; ++row, y += stepY) {
-    const uint8_t* line = src + static_cast<ptrdiff_t>(y >> 15) * srcStride;
-    uint8_t* out = dst + static_cast<ptrdiff_t>(row) * dstStride;
-    if (row == dstHeight - 1) {
-      CopyRow(line, out, dstWidth, 16384, stepX, 15, 1);
-      break;
-    }
-    const uint32_t fy = static_cast<uint32_t>(y) & 0x7FFF;
-    const __m128i wy = _mm_set1_epi32(static_cast<int32_t>((fy << 16) | (32767 - fy)));
-    int32_t x = 16384, col = 0;
-    for (; col + 8 <= dstWidth - 1; col += 8, x += 8 * stepX) {
-      const __m128i r =
-          Chroma8(GatherPairs(line, x, stepX, 15), GatherPairs(line + s, x, stepX, 15), FractionLanes(x, stepX), wy);
-      _mm_storel_epi64(reinterpret_cast<__m128i*>(out + col), r);
-    }
-    for (; col < dstWidth - 1; ++col, x += stepX) {
-      out[col] = ChromaSample(line + (x >> 15), s, static_cast<uint32_t>(x) & 0x7FFF, fy);
-    }
-    if (dstWidth > 0) out[dstWidth - 1] = line[x >> 15];
-  }
+  BilinearPlaneRows<8, true>(src, srcStride, srcWidth, srcHeight, dst, dstStride, dstWidth, dstHeight,
+                             [srcStride](const uint8_t* line, uint32_t fy, int32_t x, int32_t stepX, uint8_t* out) {
+                               const __m128i wy = _mm_set1_epi32(static_cast<int32_t>((fy << 16) | (32767 - fy)));
+                               const __m128i r =
+                                   Chroma8(GatherPairs(line, x, stepX, 15), GatherPairs(line + srcStride, x, stepX, 15),
+                                           FractionLanes(x, stepX), wy);
+                               _mm_storel_epi64(reinterpret_cast<__m128i*>(out), r);
+                             });
 }
 
 // Packed bilinear is pavg(pavg(p0, ps), pavg(pk, psk)) per channel: the

@@ -84,59 +84,27 @@ __m256i PackedHalf8x32(const uint8_t* top, const uint8_t* bottom) {
 
 void BilinearLuma(const uint8_t* src, int32_t srcStride, int32_t srcWidth, int32_t srcHeight, uint8_t* dst,
                   int32_t dstStride, int32_t dstWidth, int32_t dstHeight) {
-  const int32_t stepX = BilinearStep(srcWidth, dstWidth, 65536.0f);
-  const int32_t stepY = BilinearStep(srcHeight, dstHeight, 32768.0f);
-  const int32_t s = srcStride;
-  int32_t y = 16384;
-  for (int32_t row = 0; row < dstHeight; ++row, y += stepY) {
-    const uint8_t* line = src + static_cast<ptrdiff_t>(y >> 15) * srcStride;
-    uint8_t* out = dst + static_cast<ptrdiff_t>(row) * dstStride;
-    if (row == dstHeight - 1) {
-      CopyRow(line, out, dstWidth, 32768, stepX, 16, 1);
-      break;
-    }
-    const uint32_t fy = static_cast<uint32_t>(y) & 0x7FFF;
-    const __m256i wyTop = _mm256_set1_epi16(static_cast<int16_t>(32767 - fy));
-    const __m256i wyBottom = _mm256_set1_epi16(static_cast<int16_t>(fy));
-    int32_t x = 32768, col = 0;
-    for (; col + 16 <= dstWidth - 1; col += 16, x += 16 * stepX) {
-      const __m128i r = Luma16(Gather16(line, x, stepX, 16), Gather16(line + s, x, stepX, 16), Fractions16(x, stepX),
-                               wyTop, wyBottom);
-      _mm_storeu_si128(reinterpret_cast<__m128i*>(out + col), r);
-    }
-    for (; col < dstWidth - 1; ++col, x += stepX) {
-      out[col] = LumaSample(line + (x >> 16), s, static_cast<uint32_t>(x) & 0xFFFF, fy);
-    }
-    if (dstWidth > 0) out[dstWidth - 1] = line[x >> 16];
-  }
+  BilinearPlaneRows<16, false>(src, srcStride, srcWidth, srcHeight, dst, dstStride, dstWidth, dstHeight,
+                               [srcStride](const uint8_t* line, uint32_t fy, int32_t x, int32_t stepX, uint8_t* out) {
+                                 const __m256i wyTop = _mm256_set1_epi16(static_cast<int16_t>(32767 - fy));
+                                 const __m256i wyBottom = _mm256_set1_epi16(static_cast<int16_t>(fy));
+                                 const __m128i r =
+                                     Luma16(Gather16(line, x, stepX, 16), Gather16(line + srcStride, x, stepX, 16),
+                                            Fractions16(x, stepX), wyTop, wyBottom);
+                                 _mm_storeu_si128(reinterpret_cast<__m128i*>(out), r);
+                               });
 }
 
 void BilinearChroma(const uint8_t* src, int32_t srcStride, int32_t srcWidth, int32_t srcHeight, uint8_t* dst,
                     int32_t dstStride, int32_t dstWidth, int32_t dstHeight) {
-  const int32_t stepX = BilinearStep(srcWidth, dstWidth, 32768.0f);
-  const int32_t stepY = BilinearStep(srcHeight, dstHeight, 32768.0f);
-  const int32_t s = srcStride;
-  int32_t y = 16384;
-  for (int32_t row = 0; row < dstHeight; ++row, y += stepY) {
-    const uint8_t* line = src + static_cast<ptrdiff_t>(y >> 15) * srcStride;
-    uint8_t* out = dst + static_cast<ptrdiff_t>(row) * dstStride;
-    if (row == dstHeight - 1) {
-      CopyRow(line, out, dstWidth, 16384, stepX, 15, 1);
-      break;
-    }
-    const uint32_t fy = static_cast<uint32_t>(y) & 0x7FFF;
-    const __m256i wy = _mm256_set1_epi32(static_cast<int32_t>((fy << 16) | (32767 - fy)));
-    int32_t x = 16384, col = 0;
-    for (; col + 16 <= dstWidth - 1; col += 16, x += 16 * stepX) {
-      const __m128i r =
-          Chroma16(Gather16(line, x, stepX, 15), Gather16(line + s, x, stepX, 15), Fractions16(x, stepX), wy);
-      _mm_storeu_si128(reinterpret_cast<__m128i*>(out + col), r);
-    }
-    for (; col < dstWidth - 1; ++col, x += stepX) {
-      out[col] = ChromaSample(line + (x >> 15), s, static_cast<uint32_t>(x) & 0x7FFF, fy);
-    }
-    if (dstWidth > 0) out[dstWidth - 1] = line[x >> 15];
-  }
+  BilinearPlaneRows<16, true>(src, srcStride, srcWidth, srcHeight, dst, dstStride, dstWidth, dstHeight,
+                              [srcStride](const uint8_t* line, uint32_t fy, int32_t x, int32_t stepX, uint8_t* out) {
+                                const __m256i wy = _mm256_set1_epi32(static_cast<int32_t>((fy << 16) | (32767 - fy)));
+                                const __m128i r =
+                                    Chroma16(Gather16(line, x, stepX, 15), Gather16(line + srcStride, x, stepX, 15),
+                                             Fractions16(x, stepX), wy);
+                                _mm_storeu_si128(reinterpret_cast<__m128i*>(out), r);
+                              });
 }
 
 void PackedHalf(const uint8_t* src, int32_t srcStride, uint8_t* dst, int32_t dstStride, int32_t width, int32_t height,
