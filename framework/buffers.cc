@@ -10,8 +10,8 @@ namespace Lumaforge {
 namespace {
 
 // Room below the aligned address for the heap start (8 bytes) and the size
-// (4 bytes, 12 below the address), whatever the heap's own alignment.
-constexpr uint32_t kHeaderRoom = 27;
+// (4 bytes, 12 below the address); the alignment adds up to alignment - 1.
+constexpr uint32_t kHeaderBytes = 12;
 
 uint8_t* StoredStart(const void* block) {
   uint8_t* start;
@@ -27,11 +27,11 @@ uint32_t StoredSize(const void* block) {
 
 }  // namespace
 
-uint8_t* AlignedAlloc(uint32_t size) {
-  const size_t total = static_cast<size_t>(size) + kHeaderRoom;
-  auto* start = static_cast<uint8_t*>(std::calloc(total, 1));
+uint8_t* AlignedAlloc(uint32_t size, uint32_t alignment) {
+  const size_t room = kHeaderBytes + alignment - 1;
+  auto* start = static_cast<uint8_t*>(std::calloc(static_cast<size_t>(size) + room, 1));
   if (!start) return nullptr;
-  const uintptr_t aligned = (reinterpret_cast<uintptr_t>(start) + kHeaderRoom) & ~uintptr_t{15};
+  const uintptr_t aligned = (reinterpret_cast<uintptr_t>(start) + room) & ~uintptr_t{alignment - 1};
   auto* block = reinterpret_cast<uint8_t*>(aligned);
   std::memcpy(block - 8, &start, sizeof(start));
   std::memcpy(block - 12, &size, sizeof(size));

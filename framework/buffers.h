@@ -6,9 +6,10 @@
 
 namespace Lumaforge {
 
-// A zeroed block of `size` bytes at a 16-byte-aligned address, or null.
-// The block's heap start and `size` are kept just below the returned address.
-uint8_t* AlignedAlloc(uint32_t size);
+// A zeroed block of `size` bytes at an `alignment`-aligned address (a power
+// of two), or null. The block's heap start and `size` are kept just below
+// the returned address.
+uint8_t* AlignedAlloc(uint32_t size, uint32_t alignment = 16);
 // Frees a block from AlignedAlloc; null is ignored.
 void AlignedFree(void* block);
 

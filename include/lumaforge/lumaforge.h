@@ -64,10 +64,12 @@ enum PixelFormat : uint32_t {
 enum ParamId : int32_t {
   LF_PARAM_LOG_CALLBACK = 43,     // SetParam, uint64_t: a LumaforgeLogCallback (0 keeps the current one)
   LF_PARAM_LOG_LEVEL = 44,        // SetParam, int32_t: highest level written, -1 silences
+  LF_PARAM_VIDEO_EFFECT = 45,     // SetParam on the video filter, uint32_t: a VideoEffect
   LF_PARAM_LOG_USER_VALUE = 49,   // SetParam, uint64_t: first argument of the log callback
   LF_PARAM_TIMING_INTERVAL = 53,  // SetParam, int32_t ms between timing lines (<1 means 10000); answers -1
   LF_PARAM_TIME_PER_FRAME = 54,   // GetParam, double: microseconds per frame since the last timing line
   LF_PARAM_CROP_CONFIG = 58,      // SetParam on the crop filter, CropConfig
+  LF_PARAM_BLUR_SIGMA = 59,       // SetParam/GetParam on the Gaussian blur, float sigma (raised to 0.5 at least)
 };
 
 // Filter types: the first argument of every ILumaforge call.
@@ -81,11 +83,20 @@ enum FilterType : int32_t {
   // output record (valid until the next Process or Uninit).
   LF_FILTER_DOWNSAMPLE = 8,
   LF_FILTER_CROP = 16,
+  // Colour effects in place on I420 pictures: Init's config is a
+  // VideoFilterConfig; Process changes its input picture (the output record
+  // is not used). Colour effects need even sizes.
+  LF_FILTER_VIDEO_FILTER = 22,
   // Alpha blending: Init's config is the alpha map (output width x height
   // bytes, rows packed; kept, not copied). Process mixes the input into the
   // output in place: out = (in * (256 - a) + out * a) >> 8. 32-bit RGB and
   // I420/YV12 outputs, tightly packed (rows are addressed by the width).
   LF_FILTER_ALPHA_BLEND = 24,
+  // Recursive Gaussian blur of any sigma at a cost per pixel independent of
+  // sigma. Init's config is a float sigma (null keeps the current one, 5.0
+  // at first). 32-bit RGB, I420/YV12 and grey (31) pictures, tightly packed:
+  // rows are addressed by the width, strides are not read.
+  LF_FILTER_GAUSS_BLUR = 25,
 };
 
 // Log levels, and the callback that receives finished log lines.
@@ -137,6 +148,24 @@ struct CropConfig {
   uint32_t left;    // first column (mode 1); must be left of the picture width in both modes
   uint32_t width;   // rectangle width (mode 1) or aspect numerator (mode 0); not 0
   uint32_t height;  // rectangle height (mode 1) or aspect denominator (mode 0); not 0
+};
+
+// Video filter (type 22) effects.
+enum VideoEffect : uint32_t {
+  LF_EFFECT_NONE = 0,          // Process answers -2
+  LF_EFFECT_GREY = 1,          // chroma planes set to 128 (also any unknown value)
+  LF_EFFECT_HUE_ROTATE = 2,    // U and V rotated by 120 radians
+  LF_EFFECT_SEPIA = 3,         // sepia tone
+  LF_EFFECT_TONE_CURVES = 4,   // contrast S-curves on red and green, faded blue
+  LF_EFFECT_CURVE_TABLES = 5,  // faded warm film look
+};
+
+// Video filter (type 22) configuration for Init. `format` must be I420.
+struct VideoFilterConfig {
+  uint32_t width;
+  uint32_t height;
+  uint32_t format;
+  uint32_t effect;  // a VideoEffect
 };
 
 struct LumaforgeVersion {

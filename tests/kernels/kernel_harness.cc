@@ -76,7 +76,7 @@ std::vector<Shape> CheckShapes(const ShapeRules& rules, uint32_t seed) {
       s.width = w;
       s.height = h;
       s.stridePad = (w * 7 + h) % 19;
-      s.misalign = (w + h) % 16;
+      s.misalign = (w + h) % 16 / rules.misalignMultiple * rules.misalignMultiple;
       s.seed = seed ^ (static_cast<uint32_t>(w) * 2654435761u) ^ (static_cast<uint32_t>(h) << 24) ^ 1u;
       shapes.push_back(s);
     }

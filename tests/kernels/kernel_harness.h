@@ -82,8 +82,9 @@ class Buffers {
 struct ShapeRules {
   int32_t widthMultiple = 1;
   int32_t heightMultiple = 1;
-  int32_t maxHeight = 4;      // harness heights run 1..maxHeight (respecting the multiple)
-  int32_t benchWidth = 1920;  // the shape benchmark mode times
+  int32_t maxHeight = 4;         // harness heights run 1..maxHeight (respecting the multiple)
+  int32_t misalignMultiple = 1;  // 4 for kernels that read or write floats in their planes
+  int32_t benchWidth = 1920;     // the shape benchmark mode times
   int32_t benchHeight = 1080;
 };
 

@@ -1,0 +1,144 @@
+#include "filters/gauss_blur.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "filters/kernels/deriche_coefficients.h"
+#include "framework/buffers.h"
+#include "framework/clock.h"
+
+namespace Lumaforge {
+namespace {
+
+// The vector passes load whole cache lines of the float buffers.
+constexpr uint32_t kBufferAlignment = 64;
+
+float* AllocateFloats(uint64_t count) {
+  const uint64_t bytes = count * sizeof(float);
+  if (bytes > UINT32_MAX) return nullptr;
+  return reinterpret_cast<float*>(AlignedAlloc(static_cast<uint32_t>(bytes), kBufferAlignment));
+}
+
+}  // namespace
+
+CGaussBlur::CGaussBlur(uint32_t cpuFeatures) : m_uCpuFeatures(cpuFeatures) {
+  SetName("GaussBlur");
+  CreateLogger();
+  SetSigma(m_fSigma);
+  InitGaussBlurKernels(&m_kernels, m_uCpuFeatures);
+}
+
+CGaussBlur::~CGaussBlur() { FreeBuffers(); }
+
+void CGaussBlur::SetSigma(float sigma) {
+  m_fSigma = sigma < kMinGaussSigma ? kMinGaussSigma : sigma;
+  m_coefficients = ComputeDericheCoefficients(m_fSigma);
+}
+
+int32_t CGaussBlur::Init(void* config, uint8_t flag) {
+  if (config) {
+    float sigma;
+    std::memcpy(&sigma, config, sizeof(sigma));
+    SetSigma(sigma);
+  }
+  m_uFlag = flag;
+  ResetTiming();
+  m_bInitialised = true;
+  return LF_OK;
+}
+
+int32_t CGaussBlur::Uninit() { return LF_OK; }
+
+int32_t CGaussBlur::SetParam(ParamId id, void* value) {
+  if (!value) return LF_INVALID_PARAMETER;
+  if (id == LF_PARAM_BLUR_SIGMA) {
+    float sigma;
+    std::memcpy(&sigma, value, sizeof(sigma));
+    SetSigma(sigma);
+  }
+  return LF_OK;
+}
+
+int32_t CGaussBlur::GetParam(ParamId id, void* value) {
+  if (!value) return LF_INVALID_PARAMETER;
+  if (id == LF_PARAM_BLUR_SIGMA) std::memcpy(value, &m_fSigma, sizeof(m_fSigma));
+  if (id == LF_PARAM_TIME_PER_FRAME) {
+    const double us = MicrosecondsPerFrame();
+    std::memcpy(value, &us, sizeof(us));
+  }
+  return LF_OK;
+}
+
+void CGaussBlur::FreeBuffers() {
+  AlignedFree(m_pLineBuffer);
+  AlignedFree(m_pTransposed);
+  m_pLineBuffer = nullptr;
+  m_pTransposed = nullptr;
+}
+
+bool CGaussBlur::EnsureBuffers(uint32_t channels, uint32_t width, uint32_t height) {
+  if (channels == m_uCapacityChannels && width <= m_uCapacityWidth && height <= m_uCapacityHeight && m_pLineBuffer &&
+      m_pTransposed) {
+    return true;
+  }
+  // Both are replaced and sized for this picture: the capacity follows the
+  // last allocation, as a smaller picture of another shape may come next.
+  FreeBuffers();
+  m_pLineBuffer = AllocateFloats(uint64_t{std::max(width, height)} * kGaussLineFloatsPerSample);
+  m_pTransposed = AllocateFloats(uint64_t{channels} * width * height);
+  if (!m_pLineBuffer || !m_pTransposed) {
+    FreeBuffers();
+    return false;
+  }
+  m_uCapacityWidth = width;
+  m_uCapacityHeight = height;
+  m_uCapacityChannels = channels;
+  return true;
+}
+
+bool CGaussBlur::Blur(const uint8_t* src, uint8_t* dst, uint32_t channels, uint32_t width, uint32_t height) {
+  if (width == 0 || height == 0) return true;
+  if (!EnsureBuffers(channels, width, height)) return false;
+  const auto w = static_cast<int32_t>(width), h = static_cast<int32_t>(height);
+  const ptrdiff_t stride = static_cast<ptrdiff_t>(width) * channels;
+  GaussRowPassFn rowPass = channels == 4 ? m_kernels.rowPass4 : m_kernels.rowPass1;
+  GaussColumnPassFn columnPass = channels == 4 ? m_kernels.columnPass4 : m_kernels.columnPass1;
+  rowPass(src, stride, w, h, m_coefficients, m_pLineBuffer, m_pTransposed);
+  columnPass(m_pTransposed, w, h, m_coefficients, m_pLineBuffer, dst, stride);
+  return true;
+}
+
+int32_t CGaussBlur::Process(VideoPicture* input, VideoPicture* output) {
+  if (!input || !output) return LF_INVALID_PARAMETER;
+  const int64_t startUs = NowMicroseconds();
+  const uint32_t w = input->width, h = input->height;
+  bool done;
+  switch (input->format & LF_FORMAT_CODE_MASK) {
+    case LF_RGBA:
+    case LF_BGRA:
+    case LF_ABGR:
+    case LF_ARGB:
+      if (!input->planes[0] || !output->planes[0]) return LF_INVALID_PARAMETER;
+      done = Blur(input->planes[0], output->planes[0], 4, w, h);
+      break;
+    case LF_I420:
+    case LF_YV12:
+      for (int k = 0; k < 3; ++k) {
+        if (!input->planes[k] || !output->planes[k]) return LF_INVALID_PARAMETER;
+      }
+      done = Blur(input->planes[0], output->planes[0], 1, w, h) &&
+             Blur(input->planes[1], output->planes[1], 1, w >> 1, h >> 1) &&
+             Blur(input->planes[2], output->planes[2], 1, w >> 1, h >> 1);
+      break;
+    case LF_VYUY:  // read as one grey plane here
+      if (!input->planes[0] || !output->planes[0]) return LF_INVALID_PARAMETER;
+      done = Blur(input->planes[0], output->planes[0], 1, w, h);
+      break;
+    default: return LF_UNSUPPORTED;
+  }
+  if (!done) return LF_FAILED;
+  FinishFrameTiming(startUs);
+  return LF_OK;
+}
+
+}  // namespace Lumaforge
