@@ -8,6 +8,8 @@ packages=(
   libsafec-dev    # the bounds-checked _s memory and string functions
   libgtest-dev    # GoogleTest, for the tests
   libyuv-dev      # the benchmarks' reference (and later the upsampling filter)
+  libcli11-dev    # the command-line tool's argument parsing
+  libstb-dev      # the command-line tool's PNG, BMP and PPM reading and PNG writing
 )
 
 missing=()
