@@ -54,7 +54,7 @@ void FillTransposed(Plane& plane) {
 
 KernelEntry<Table> ColumnEntry(const char* name, GaussColumnPassFn Table::*member, int32_t channels) {
   ShapeRules rules;
-  rules.maxHeight = 9;
+  rules.maxHeight = 19;  // past two blocks of eight rows in the vector column passes
   rules.misalignMultiple = 4;
   return Entry<Table, GaussColumnPassFn>(
       name, member,
