@@ -22,7 +22,7 @@ namespace {
 
 // Lines per block: four chains of 9-12 cycles of latency keep the
 // multipliers busy.
-constexpr int32_t kBlockLines = 4;  // as many as RunBlocks groups
+constexpr int32_t kBlockLines = 4;
 
 struct Coefficients128 {
   explicit Coefficients128(const DericheCoefficients& k)
@@ -182,24 +182,36 @@ void ColumnBlock(const float* transposed, int32_t height, int32_t x0, const Coef
   }
 }
 
-#include "filters/kernels/x86/gauss_block_runner.h"
-
 }  // namespace
 
 void GaussRowPass4(const uint8_t* src, ptrdiff_t srcStride, int32_t width, int32_t height, const DericheCoefficients& k,
                    float* line, float* transposed) {
   const Coefficients128 kv(k);
-  RunBlocks<1>(height, [&](auto lines, int32_t y0) {
-    RowBlock<decltype(lines)::value>(src, srcStride, width, height, y0, kv, line, transposed);
-  });
+  int32_t y = 0;
+  for (; y + kBlockLines <= height; y += kBlockLines) {
+    RowBlock<kBlockLines>(src, srcStride, width, height, y, kv, line, transposed);
+  }
+  switch (height - y) {
+    case 3: RowBlock<3>(src, srcStride, width, height, y, kv, line, transposed); break;
+    case 2: RowBlock<2>(src, srcStride, width, height, y, kv, line, transposed); break;
+    case 1: RowBlock<1>(src, srcStride, width, height, y, kv, line, transposed); break;
+    default: break;
+  }
 }
 
 void GaussColumnPass4(const float* transposed, int32_t width, int32_t height, const DericheCoefficients& k, float* line,
                       uint8_t* dst, ptrdiff_t dstStride) {
   const Coefficients128 kv(k);
-  RunBlocks<1>(width, [&](auto lines, int32_t x0) {
-    ColumnBlock<decltype(lines)::value>(transposed, height, x0, kv, line, dst, dstStride);
-  });
+  int32_t x = 0;
+  for (; x + kBlockLines <= width; x += kBlockLines) {
+    ColumnBlock<kBlockLines>(transposed, height, x, kv, line, dst, dstStride);
+  }
+  switch (width - x) {
+    case 3: ColumnBlock<3>(transposed, height, x, kv, line, dst, dstStride); break;
+    case 2: ColumnBlock<2>(transposed, height, x, kv, line, dst, dstStride); break;
+    case 1: ColumnBlock<1>(transposed, height, x, kv, line, dst, dstStride); break;
+    default: break;
+  }
 }
 
 }  // namespace Lumaforge::LUMAFORGE_SIMD_LEVEL

@@ -18,7 +18,7 @@ namespace Lumaforge::avx2 {
 namespace {
 
 // Vectors per block and line-buffer floats per position they fill.
-constexpr int32_t kChains = 4;  // as many as RunBlocks groups
+constexpr int32_t kChains = 4;
 constexpr int32_t kLineStride = kChains * 8;
 static_assert(kLineStride <= static_cast<int32_t>(kGaussLineFloatsPerSample));
 
@@ -395,43 +395,71 @@ void ColumnBlock1(const float* transposed, int32_t height, int32_t x0, const Coe
   }
 }
 
-#include "filters/kernels/x86/gauss_block_runner.h"
-
 }  // namespace
 
+// Each pass runs blocks of kChains chains, then one smaller block for the
+// whole chains left, then the plain routine for the last lines.
 void GaussRowPass4(const uint8_t* src, ptrdiff_t srcStride, int32_t width, int32_t height, const DericheCoefficients& k,
                    float* line, float* transposed) {
   const Coefficients256 kv(k);
-  const int32_t y = RunBlocks<2>(height, [&](auto chains, int32_t y0) {
-    RowBlock4<decltype(chains)::value>(src, srcStride, width, height, y0, kv, line, transposed);
-  });
+  int32_t y = 0;
+  for (; y + 2 * kChains <= height; y += 2 * kChains)
+    RowBlock4<kChains>(src, srcStride, width, height, y, kv, line, transposed);
+  switch ((height - y) / 2) {
+    case 3: RowBlock4<3>(src, srcStride, width, height, y, kv, line, transposed); break;
+    case 2: RowBlock4<2>(src, srcStride, width, height, y, kv, line, transposed); break;
+    case 1: RowBlock4<1>(src, srcStride, width, height, y, kv, line, transposed); break;
+    default: break;
+  }
+  y += (height - y) / 2 * 2;
   if (y < height) GaussRowRange4_c(src, srcStride, width, height, y, height, k, line, transposed);
 }
 
 void GaussColumnPass4(const float* transposed, int32_t width, int32_t height, const DericheCoefficients& k, float* line,
                       uint8_t* dst, ptrdiff_t dstStride) {
   const Coefficients256 kv(k);
-  const int32_t x = RunBlocks<2>(width, [&](auto chains, int32_t x0) {
-    ColumnBlock4<decltype(chains)::value>(transposed, height, x0, kv, line, dst, dstStride);
-  });
+  int32_t x = 0;
+  for (; x + 2 * kChains <= width; x += 2 * kChains)
+    ColumnBlock4<kChains>(transposed, height, x, kv, line, dst, dstStride);
+  switch ((width - x) / 2) {
+    case 3: ColumnBlock4<3>(transposed, height, x, kv, line, dst, dstStride); break;
+    case 2: ColumnBlock4<2>(transposed, height, x, kv, line, dst, dstStride); break;
+    case 1: ColumnBlock4<1>(transposed, height, x, kv, line, dst, dstStride); break;
+    default: break;
+  }
+  x += (width - x) / 2 * 2;
   if (x < width) GaussColumnRange4_c(transposed, height, x, width, k, line, dst, dstStride);
 }
 
 void GaussRowPass1(const uint8_t* src, ptrdiff_t srcStride, int32_t width, int32_t height, const DericheCoefficients& k,
                    float* line, float* transposed) {
   const Coefficients256 kv(k);
-  const int32_t y = RunBlocks<8>(height, [&](auto chains, int32_t y0) {
-    RowBlock1<decltype(chains)::value>(src, srcStride, width, height, y0, kv, line, transposed);
-  });
+  int32_t y = 0;
+  for (; y + 8 * kChains <= height; y += 8 * kChains)
+    RowBlock1<kChains>(src, srcStride, width, height, y, kv, line, transposed);
+  switch ((height - y) / 8) {
+    case 3: RowBlock1<3>(src, srcStride, width, height, y, kv, line, transposed); break;
+    case 2: RowBlock1<2>(src, srcStride, width, height, y, kv, line, transposed); break;
+    case 1: RowBlock1<1>(src, srcStride, width, height, y, kv, line, transposed); break;
+    default: break;
+  }
+  y += (height - y) / 8 * 8;
   if (y < height) GaussRowRange1_c(src, srcStride, width, height, y, height, k, line, transposed);
 }
 
 void GaussColumnPass1(const float* transposed, int32_t width, int32_t height, const DericheCoefficients& k, float* line,
                       uint8_t* dst, ptrdiff_t dstStride) {
   const Coefficients256 kv(k);
-  const int32_t x = RunBlocks<8>(width, [&](auto chains, int32_t x0) {
-    ColumnBlock1<decltype(chains)::value>(transposed, height, x0, kv, line, dst, dstStride);
-  });
+  int32_t x = 0;
+  for (; x + 8 * kChains <= width; x += 8 * kChains)
+    ColumnBlock1<kChains>(transposed, height, x, kv, line, dst, dstStride);
+  switch ((width - x) / 8) {
+    case 3: ColumnBlock1<3>(transposed, height, x, kv, line, dst, dstStride); break;
+    case 2: ColumnBlock1<2>(transposed, height, x, kv, line, dst, dstStride); break;
+    case 1: ColumnBlock1<1>(transposed, height, x, kv, line, dst, dstStride); break;
+    default: break;
+  }
+  x += (width - x) / 8 * 8;
   if (x < width) GaussColumnRange1_c(transposed, height, x, width, k, line, dst, dstStride);
 }
 
