@@ -9,6 +9,7 @@
 
 #include "lumaforge/lumaforge.h"
 #include "tests/environment.h"
+#include "tools/cpu_level_masks.h"
 
 namespace Lumaforge::bench {
 
@@ -25,15 +26,6 @@ inline double TimeMs(const std::function<void()>& work, int callsPerBatch) {
   return best;
 }
 
-struct Level {
-  const char* name;
-  const char* mask;  // for LUMAFORGE_CPU_MASK
-  int32_t tier;
-};
-
-inline const Level kLevels[] = {{"c", "0", 0},         {"sse2", "0xd", 1},  {"ssse3", "0x20d", 2},
-                                {"sse42", "0x62d", 3}, {"avx", "0xe2d", 4}, {"avx2", "0xffffffff", 5}};
-
 inline int32_t AvailableTier() {
   test::UnsetEnv("LUMAFORGE_CPU_MASK");
   return GetLumaforgeArch();
@@ -41,9 +33,9 @@ inline int32_t AvailableTier() {
 
 // Runs `body` with a silent manager whose filter `type` was initialised
 // (with `flag`) under each level's feature mask.
-inline void ForEachLevel(int32_t type, uint8_t flag, const std::function<void(const Level&, ILumaforge*)>& body) {
+inline void ForEachLevel(int32_t type, uint8_t flag, const std::function<void(const CpuLevel&, ILumaforge*)>& body) {
   const int32_t available = AvailableTier();
-  for (const Level& level : kLevels) {
+  for (const CpuLevel& level : kCpuLevels) {
     if (level.tier > available) break;
     test::SetEnv("LUMAFORGE_CPU_MASK", level.mask);
     ILumaforge* lf = nullptr;

@@ -23,7 +23,7 @@ constexpr uint32_t kWidth = 1920, kHeight = 1080;
 // Times the filter at every level; returns the last (best) level's time.
 double TimeFilter(OwnedPicture& in, OwnedPicture& out, std::vector<uint8_t>& map, int frames) {
   double best = 0;
-  Lumaforge::bench::ForEachLevel(LF_FILTER_ALPHA_BLEND, 0, [&](const Lumaforge::bench::Level&, ILumaforge* lf) {
+  Lumaforge::bench::ForEachLevel(LF_FILTER_ALPHA_BLEND, 0, [&](const Lumaforge::CpuLevel&, ILumaforge* lf) {
     lf->Init(LF_FILTER_ALPHA_BLEND, map.data(), 0);
     best = TimeMs([&] { lf->Process(LF_FILTER_ALPHA_BLEND, &in.picture, &out.picture); }, frames);
     std::printf(" %7.3f", best);
@@ -38,7 +38,7 @@ int main(int argc, char** argv) {
   const int32_t available = Lumaforge::bench::AvailableTier();
   std::printf("1920x1080, ms per frame (best of 7 batches of %d); processor tier %d\n\n", frames, available);
   std::printf("%-6s", "format");
-  for (const auto& level : Lumaforge::bench::kLevels) {
+  for (const auto& level : Lumaforge::kCpuLevels) {
     if (level.tier <= available) std::printf(" %7s", level.name);
   }
   std::printf(" %-11s %7s %9s\n", "libyuv", "", "ours/yuv");

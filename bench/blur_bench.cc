@@ -91,7 +91,7 @@ void Row(const char* name, uint32_t format, float sigma, int frames) {
   in.FillRandom(7);
   std::printf("%-6s %5.1f", name, sigma);
   double best = 0;
-  Lumaforge::bench::ForEachLevel(LF_FILTER_GAUSS_BLUR, 0, [&](const Lumaforge::bench::Level&, ILumaforge* lf) {
+  Lumaforge::bench::ForEachLevel(LF_FILTER_GAUSS_BLUR, 0, [&](const Lumaforge::CpuLevel&, ILumaforge* lf) {
     lf->Init(LF_FILTER_GAUSS_BLUR, &sigma, 0);
     best = TimeMs([&] { lf->Process(LF_FILTER_GAUSS_BLUR, &in.picture, &out.picture); }, frames);
     std::printf(" %7.3f", best);
@@ -107,7 +107,7 @@ int main(int argc, char** argv) {
   const int32_t available = Lumaforge::bench::AvailableTier();
   std::printf("1920x1080, ms per frame (best of 7 batches of %d); processor tier %d\n\n", frames, available);
   std::printf("%-6s %5s", "format", "sigma");
-  for (const auto& level : Lumaforge::bench::kLevels) {
+  for (const auto& level : Lumaforge::kCpuLevels) {
     if (level.tier <= available) std::printf(" %7s", level.name);
   }
   std::printf(" %8s %9s\n", "FIR", "ours/FIR");

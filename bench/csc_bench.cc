@@ -82,7 +82,7 @@ int main(int argc, char** argv) {
   const int32_t available = Lumaforge::bench::AvailableTier();
   std::printf("1920x1080, ms per frame (best of 7 batches of %d frames); processor tier %d\n\n", frames, available);
   std::printf("%-12s", "pair");
-  for (const auto& level : Lumaforge::bench::kLevels) {
+  for (const auto& level : Lumaforge::kCpuLevels) {
     if (level.tier <= available) std::printf(" %8s", level.name);
   }
   std::printf(" %8s %8s %9s\n", "libyuv", "memcpy", "ours/yuv");
@@ -93,7 +93,7 @@ int main(int argc, char** argv) {
     std::printf("%-12s", c.name);
     double best = 0;
     // The converter picks its kernels when created, from the masked word.
-    Lumaforge::bench::ForEachLevel(LF_FILTER_CSC, 0, [&](const Lumaforge::bench::Level&, ILumaforge* lf) {
+    Lumaforge::bench::ForEachLevel(LF_FILTER_CSC, 0, [&](const Lumaforge::CpuLevel&, ILumaforge* lf) {
       best = TimeMs([&] { lf->Process(LF_FILTER_CSC, &in.picture, &out.picture); }, frames);
       std::printf(" %8.3f", best);
     });

@@ -46,7 +46,7 @@ int main(int argc, char** argv) {
   std::printf("ms per frame (best of 7 batches of %d); processor tier %d; ratio = best level / libyuv\n\n", frames,
               available);
   std::printf("%-5s %-22s", "", "scale");
-  for (const auto& level : Lumaforge::bench::kLevels) {
+  for (const auto& level : Lumaforge::kCpuLevels) {
     if (level.tier <= available) std::printf(" %7s", level.name);
   }
   std::printf(" %7s %7s %9s %9s\n", "box", "bilin", "ours/box", "ours/bil");
@@ -64,7 +64,7 @@ int main(int argc, char** argv) {
         std::printf("%-5s %-22s", format == LF_I420 ? "I420" : "BGRA", name);
         double best = 0;
         // Caller-buffer mode on 16-byte-aligned pictures: no copies.
-        Lumaforge::bench::ForEachLevel(LF_FILTER_DOWNSAMPLE, 1, [&](const Lumaforge::bench::Level&, ILumaforge* lf) {
+        Lumaforge::bench::ForEachLevel(LF_FILTER_DOWNSAMPLE, 1, [&](const Lumaforge::CpuLevel&, ILumaforge* lf) {
           best = TimeMs([&] { lf->Process(LF_FILTER_DOWNSAMPLE, &src.picture, &dst.picture); }, frames);
           std::printf(" %7.3f", best);
         });
