@@ -248,7 +248,11 @@ int32_t CDownsampling::AllocateSampleBuffers(uint32_t code) {
 
 int32_t CDownsampling::AllocateWorkPicture(WorkBuffer& buffer, WorkPicture& picture, const VideoPicture& like,
                                            uint32_t code, const char* what) {
-  if (buffer.allocated && buffer.width == like.width && buffer.height == like.height) return LF_OK;
+  // Kept for the same size, and the same format: a picture of another format
+  // needs another layout (and possibly more bytes) than the kept one.
+  if (buffer.allocated && buffer.width == like.width && buffer.height == like.height && buffer.format == code) {
+    return LF_OK;
+  }
   const uint32_t align = m_uAlignment, margin = m_uMargin;
   const uint32_t P = RoundUp(like.width + 2 * margin, align);
   const uint32_t Pc = RoundUp(like.width / 2 + 2 * margin, align);

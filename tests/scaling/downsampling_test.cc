@@ -257,6 +257,23 @@ TEST(DownsamplingBuffers, CallerModeWritesOrCopiesBack) {
   EXPECT_NE(g_lines.back().find("output data pointer is null."), std::string::npos);
 }
 
+TEST(DownsamplingBuffers, AFormatChangeAtTheSameSizeGivesWhatAFreshFilterGives) {
+  Downsampler shared(0);
+  for (const uint32_t format : {LF_I420, LF_BGRA, LF_VYUY, LF_BGRA}) {
+    OwnedPicture in(format, 64, 32), out(format, 32, 16), fresh(format, 32, 16);
+    in.FillRandom(format);
+    ASSERT_EQ(shared.filter.Process(&in.picture, &out.picture), LF_OK);
+    Downsampler own(0);
+    ASSERT_EQ(own.filter.Process(&in.picture, &fresh.picture), LF_OK);
+    const int planes = format == LF_I420 ? 3 : 1;
+    const int bytesPerPixel = format == LF_BGRA ? 4 : 1;
+    for (int k = 0; k < planes; ++k) {
+      const int w = (k ? 16 : 32) * bytesPerPixel, h = k ? 8 : 16;
+      EXPECT_EQ(ReadPlane(out.picture, k, w, h).v, ReadPlane(fresh.picture, k, w, h).v) << format << " plane " << k;
+    }
+  }
+}
+
 // Every tap set sums to 64 and every average is of equal values: a constant
 // picture stays constant whatever the path and kernel.
 TEST(DownsamplingKernels, ConstantPlanesStayConstant) {
