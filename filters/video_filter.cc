@@ -1,8 +1,9 @@
 #include "filters/video_filter.h"
 
+#include <cmath>
 #include <cstring>
 
-#include "filters/color_effects.h"
+#include "filters/effect_curves.h"
 #include "framework/buffers.h"
 #include "framework/clock.h"
 
@@ -28,6 +29,7 @@ int32_t CVideoFilter::Init(void* config, uint8_t /*flag*/) {
   m_pToRgb = Yuv420ToRgb;
   m_pFromRgb = RgbToYuv420;
   InitColorKernels(&m_colorKernels, m_uCpuFeatures);
+  InitColorEffectKernels(&m_effectKernels, m_uCpuFeatures);
   ResetTiming();
   m_bInitialised = true;
   return LF_OK;
@@ -103,10 +105,14 @@ void CVideoFilter::RunEffect(const VideoPicture& picture) {
   // one run, whatever the stride.
   const size_t rgbBytes = size_t{picture.width} * picture.height * 3;
   switch (m_uEffect) {
-    case LF_EFFECT_HUE_ROTATE: RotateHue(picture.planes[1], picture.planes[2], chromaSamples); break;
+    case LF_EFFECT_HUE_ROTATE:
+      // 120 radians, as the effect has always turned.
+      m_effectKernels.rotateHue(picture.planes[1], picture.planes[2], chromaSamples,
+                                static_cast<float>(std::cos(120.0)), static_cast<float>(std::sin(120.0)));
+      break;
     case LF_EFFECT_SEPIA:
       ToRgb(picture, m_pRgbBuffer1);
-      ApplySepia(m_pRgbBuffer1, m_pRgbBuffer2, rgbBytes);
+      m_effectKernels.sepia(m_pRgbBuffer1, m_pRgbBuffer2, rgbBytes / 3);
       FromRgb(m_pRgbBuffer2, picture);
       break;
     case LF_EFFECT_TONE_CURVES:

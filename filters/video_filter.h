@@ -8,6 +8,7 @@
 
 #include "color/color_kernels.h"
 #include "color/conversions.h"
+#include "filters/kernels/color_effects.h"
 #include "framework/lumaforge_framework.h"
 
 namespace Lumaforge {
@@ -47,6 +48,7 @@ class CVideoFilter : public CLumaforgeFramework {
   // first one grows them instead of writing past them.
   uint32_t m_uBufferBytes = 0;
   ColorKernels m_colorKernels{};
+  ColorEffectKernels m_effectKernels{};
 };
 
 }  // namespace Lumaforge

@@ -1,7 +1,6 @@
-#include "filters/color_effects.h"
+#include "filters/effect_curves.h"
 
 #include <array>
-#include <cmath>
 
 namespace Lumaforge {
 namespace {
@@ -62,27 +61,6 @@ constexpr Curve kFilmGreen = Piecewise(kFilmGreenKnots);
 constexpr Curve kFilmBlue = Piecewise(kFilmBlueKnots);
 
 }  // namespace
-
-void RotateHue(uint8_t* u, uint8_t* v, size_t count) {
-  const float c = static_cast<float>(std::cos(120.0));
-  const float s = static_cast<float>(std::sin(120.0));
-  auto clampTo = [](float x) { return static_cast<uint8_t>(x < 0.0f ? 0.0f : x > 255.0f ? 255.0f : x); };
-  for (size_t i = 0; i < count; ++i) {
-    const float du = static_cast<float>(u[i]) - 128.0f;
-    const float dv = static_cast<float>(v[i]) - 128.0f;
-    u[i] = clampTo(du * c + dv * s + 128.0f);
-    v[i] = clampTo(dv * c - du * s + 128.0f);
-  }
-}
-
-void ApplySepia(const uint8_t* in, uint8_t* out, size_t count) {
-  for (size_t i = 0; i + 2 < count; i += 3) {
-    const int32_t b0 = in[i], b1 = in[i + 1], b2 = in[i + 2];
-    out[i] = Clamp((101 * b0 + 197 * b1 + 48 * b2 + 128) >> 8);
-    out[i + 1] = Clamp((89 * b0 + 176 * b1 + 43 * b2 + 128) >> 8);
-    out[i + 2] = static_cast<uint8_t>((70 * b0 + 137 * b1 + 34 * b2 + 128) >> 8);
-  }
-}
 
 void ApplyCurves(uint8_t* rgb, size_t count, const uint8_t* const curves[3]) {
   for (size_t i = 0; i + 2 < count; i += 3) {
