@@ -15,9 +15,10 @@ namespace Lumaforge {
 
 // Rotates (U, V) pairs about (128, 128), in place, in single precision:
 // U' = trunc(clamp(u c + v s + 128, 0, 255)), V' = trunc(clamp(v c - u s + 128,
-// 0, 255)) with u = U - 128, v = V - 128, evaluated left to right.
+// 0, 255)) with u = U - 128, v = V - 128, evaluated left to right; c and s
+// are a rotation's cosine and sine (|c|, |s| <= 1).
 using RotateHueFn = void (*)(uint8_t* u, uint8_t* v, size_t count, float c, float s);
-// Sepia tone from R, G, B triplets to R, G, B triplets:
+// Sepia tone from R, G, B triplets to R, G, B triplets (in may equal out):
 // min((101 R + 197 G + 48 B + 128) >> 8, 255), min((89 R + 176 G + 43 B + 128) >> 8, 255),
 // (70 R + 137 G + 34 B + 128) >> 8.
 using SepiaFn = void (*)(const uint8_t* in, uint8_t* out, size_t pixels);
