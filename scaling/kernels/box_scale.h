@@ -17,17 +17,23 @@
 
 namespace Lumaforge {
 
+// Kernel types are function types, so every level declares its forms with
+// them and no declaration can drift from the table's slot.
 // out = (((c + d + 1) >> 1) + ((a + b + 1) >> 1) + 1) >> 1 over the block a b / c d.
-using BoxScaleFn = void (*)(const uint8_t* src, int32_t srcStride, uint8_t* dst, int32_t dstStride, int32_t width,
+using BoxScaleKernel = void(const uint8_t* src, int32_t srcStride, uint8_t* dst, int32_t dstStride, int32_t width,
                             int32_t height);
 // The same per channel of `bytesPerPixel`-byte pixels, step 2.
-using PackedHalfFn = void (*)(const uint8_t* src, int32_t srcStride, uint8_t* dst, int32_t dstStride, int32_t width,
+using PackedHalfKernel = void(const uint8_t* src, int32_t srcStride, uint8_t* dst, int32_t dstStride, int32_t width,
                               int32_t height, int32_t bytesPerPixel);
-using BilinearFn = void (*)(const uint8_t* src, int32_t srcStride, int32_t srcWidth, int32_t srcHeight, uint8_t* dst,
+using BilinearKernel = void(const uint8_t* src, int32_t srcStride, int32_t srcWidth, int32_t srcHeight, uint8_t* dst,
                             int32_t dstStride, int32_t dstWidth, int32_t dstHeight);
-using PackedBilinearFn = void (*)(const uint8_t* src, int32_t srcStride, int32_t srcWidth, int32_t srcHeight,
+using PackedBilinearKernel = void(const uint8_t* src, int32_t srcStride, int32_t srcWidth, int32_t srcHeight,
                                   uint8_t* dst, int32_t dstStride, int32_t dstWidth, int32_t dstHeight,
                                   int32_t bytesPerPixel);
+using BoxScaleFn = BoxScaleKernel*;
+using PackedHalfFn = PackedHalfKernel*;
+using BilinearFn = BilinearKernel*;
+using PackedBilinearFn = PackedBilinearKernel*;
 
 struct BoxScaleKernels {
   BoxScaleFn halfAligned;    // step 2, for sources whose stride is a multiple of 32
@@ -52,76 +58,42 @@ inline int32_t BilinearStep(int32_t srcSize, int32_t dstSize, float one) {
   return static_cast<int32_t>(std::lround(static_cast<float>(srcSize) / static_cast<float>(dstSize) * one));
 }
 
-void BoxHalf_c(const uint8_t* src, int32_t srcStride, uint8_t* dst, int32_t dstStride, int32_t width, int32_t height);
-void BoxThird_c(const uint8_t* src, int32_t srcStride, uint8_t* dst, int32_t dstStride, int32_t width, int32_t height);
-void BoxQuarter_c(const uint8_t* src, int32_t srcStride, uint8_t* dst, int32_t dstStride, int32_t width,
-                  int32_t height);
-void PackedHalf_c(const uint8_t* src, int32_t srcStride, uint8_t* dst, int32_t dstStride, int32_t width, int32_t height,
-                  int32_t bytesPerPixel);
-void BilinearLuma_c(const uint8_t* src, int32_t srcStride, int32_t srcWidth, int32_t srcHeight, uint8_t* dst,
-                    int32_t dstStride, int32_t dstWidth, int32_t dstHeight);
-void BilinearChroma_c(const uint8_t* src, int32_t srcStride, int32_t srcWidth, int32_t srcHeight, uint8_t* dst,
-                      int32_t dstStride, int32_t dstWidth, int32_t dstHeight);
-void PackedBilinear_c(const uint8_t* src, int32_t srcStride, int32_t srcWidth, int32_t srcHeight, uint8_t* dst,
-                      int32_t dstStride, int32_t dstWidth, int32_t dstHeight, int32_t bytesPerPixel);
+BoxScaleKernel BoxHalf_c, BoxThird_c, BoxQuarter_c;
+PackedHalfKernel PackedHalf_c;
+BilinearKernel BilinearLuma_c, BilinearChroma_c;
+PackedBilinearKernel PackedBilinear_c;
 
 // Vector forms, by the level whose feature bit installs them (SSE 0x4,
 // SSE2 0x8, SSSE3 0x200, SSE4.1 0x20, AVX 0x800, AVX2 0x40000, in that order).
 // x86-64 processors all have SSE2, so the SSE-bit forms use SSE2 too.
 namespace sse {
-void BoxHalfAligned(const uint8_t* src, int32_t srcStride, uint8_t* dst, int32_t dstStride, int32_t width,
-                    int32_t height);
-void BoxHalf(const uint8_t* src, int32_t srcStride, uint8_t* dst, int32_t dstStride, int32_t width, int32_t height);
-void BoxQuarter(const uint8_t* src, int32_t srcStride, uint8_t* dst, int32_t dstStride, int32_t width, int32_t height);
+BoxScaleKernel BoxHalfAligned, BoxHalf, BoxQuarter;
 }  // namespace sse
 namespace sse2 {
-void BilinearLuma(const uint8_t* src, int32_t srcStride, int32_t srcWidth, int32_t srcHeight, uint8_t* dst,
-                  int32_t dstStride, int32_t dstWidth, int32_t dstHeight);
-void BilinearChroma(const uint8_t* src, int32_t srcStride, int32_t srcWidth, int32_t srcHeight, uint8_t* dst,
-                    int32_t dstStride, int32_t dstWidth, int32_t dstHeight);
-void PackedHalf(const uint8_t* src, int32_t srcStride, uint8_t* dst, int32_t dstStride, int32_t width, int32_t height,
-                int32_t bytesPerPixel);
-void PackedBilinear(const uint8_t* src, int32_t srcStride, int32_t srcWidth, int32_t srcHeight, uint8_t* dst,
-                    int32_t dstStride, int32_t dstWidth, int32_t dstHeight, int32_t bytesPerPixel);
+BilinearKernel BilinearLuma, BilinearChroma;
+PackedHalfKernel PackedHalf;
+PackedBilinearKernel PackedBilinear;
 }  // namespace sse2
 namespace ssse3 {
-void BoxHalfAligned(const uint8_t* src, int32_t srcStride, uint8_t* dst, int32_t dstStride, int32_t width,
-                    int32_t height);
-void BoxHalf(const uint8_t* src, int32_t srcStride, uint8_t* dst, int32_t dstStride, int32_t width, int32_t height);
-void BoxThird(const uint8_t* src, int32_t srcStride, uint8_t* dst, int32_t dstStride, int32_t width, int32_t height);
-void BoxQuarter(const uint8_t* src, int32_t srcStride, uint8_t* dst, int32_t dstStride, int32_t width, int32_t height);
-void BilinearLuma(const uint8_t* src, int32_t srcStride, int32_t srcWidth, int32_t srcHeight, uint8_t* dst,
-                  int32_t dstStride, int32_t dstWidth, int32_t dstHeight);
-void PackedHalf(const uint8_t* src, int32_t srcStride, uint8_t* dst, int32_t dstStride, int32_t width, int32_t height,
-                int32_t bytesPerPixel);
-void PackedBilinear(const uint8_t* src, int32_t srcStride, int32_t srcWidth, int32_t srcHeight, uint8_t* dst,
-                    int32_t dstStride, int32_t dstWidth, int32_t dstHeight, int32_t bytesPerPixel);
+BoxScaleKernel BoxHalfAligned, BoxHalf, BoxThird, BoxQuarter;
+BilinearKernel BilinearLuma;
+PackedHalfKernel PackedHalf;
+PackedBilinearKernel PackedBilinear;
 }  // namespace ssse3
 namespace sse41 {
-void BoxThird(const uint8_t* src, int32_t srcStride, uint8_t* dst, int32_t dstStride, int32_t width, int32_t height);
-void BoxQuarter(const uint8_t* src, int32_t srcStride, uint8_t* dst, int32_t dstStride, int32_t width, int32_t height);
-void BilinearChroma(const uint8_t* src, int32_t srcStride, int32_t srcWidth, int32_t srcHeight, uint8_t* dst,
-                    int32_t dstStride, int32_t dstWidth, int32_t dstHeight);
-void PackedHalf(const uint8_t* src, int32_t srcStride, uint8_t* dst, int32_t dstStride, int32_t width, int32_t height,
-                int32_t bytesPerPixel);
-void PackedBilinear(const uint8_t* src, int32_t srcStride, int32_t srcWidth, int32_t srcHeight, uint8_t* dst,
-                    int32_t dstStride, int32_t dstWidth, int32_t dstHeight, int32_t bytesPerPixel);
+BoxScaleKernel BoxThird, BoxQuarter;
+BilinearKernel BilinearChroma;
+PackedHalfKernel PackedHalf;
+PackedBilinearKernel PackedBilinear;
 }  // namespace sse41
 namespace avx {
-void PackedHalf(const uint8_t* src, int32_t srcStride, uint8_t* dst, int32_t dstStride, int32_t width, int32_t height,
-                int32_t bytesPerPixel);
-void PackedBilinear(const uint8_t* src, int32_t srcStride, int32_t srcWidth, int32_t srcHeight, uint8_t* dst,
-                    int32_t dstStride, int32_t dstWidth, int32_t dstHeight, int32_t bytesPerPixel);
+PackedHalfKernel PackedHalf;
+PackedBilinearKernel PackedBilinear;
 }  // namespace avx
 namespace avx2 {
-void BilinearLuma(const uint8_t* src, int32_t srcStride, int32_t srcWidth, int32_t srcHeight, uint8_t* dst,
-                  int32_t dstStride, int32_t dstWidth, int32_t dstHeight);
-void BilinearChroma(const uint8_t* src, int32_t srcStride, int32_t srcWidth, int32_t srcHeight, uint8_t* dst,
-                    int32_t dstStride, int32_t dstWidth, int32_t dstHeight);
-void PackedHalf(const uint8_t* src, int32_t srcStride, uint8_t* dst, int32_t dstStride, int32_t width, int32_t height,
-                int32_t bytesPerPixel);
-void PackedBilinear(const uint8_t* src, int32_t srcStride, int32_t srcWidth, int32_t srcHeight, uint8_t* dst,
-                    int32_t dstStride, int32_t dstWidth, int32_t dstHeight, int32_t bytesPerPixel);
+BilinearKernel BilinearLuma, BilinearChroma;
+PackedHalfKernel PackedHalf;
+PackedBilinearKernel PackedBilinear;
 }  // namespace avx2
 
 }  // namespace Lumaforge
