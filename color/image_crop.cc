@@ -37,7 +37,7 @@ int32_t CImageCrop::SetParam(ParamId id, void* value) {
 
 int32_t CImageCrop::GetParam(ParamId id, void* value) {
   if (!value) return LF_INVALID_PARAMETER;
-  if (id == LF_PARAM_TIME_PER_FRAME) *static_cast<double*>(value) = MicrosecondsPerFrame();
+  AnswerTimePerFrame(id, value);
   return LF_OK;
 }
 

@@ -62,10 +62,7 @@ int32_t CGaussBlur::SetParam(ParamId id, void* value) {
 int32_t CGaussBlur::GetParam(ParamId id, void* value) {
   if (!value) return LF_INVALID_PARAMETER;
   if (id == LF_PARAM_BLUR_SIGMA) std::memcpy(value, &m_fSigma, sizeof(m_fSigma));
-  if (id == LF_PARAM_TIME_PER_FRAME) {
-    const double us = MicrosecondsPerFrame();
-    std::memcpy(value, &us, sizeof(us));
-  }
+  AnswerTimePerFrame(id, value);
   return LF_OK;
 }
 

@@ -57,10 +57,7 @@ int32_t CVideoFilter::SetParam(ParamId id, void* value) {
 
 int32_t CVideoFilter::GetParam(ParamId id, void* value) {
   if (!value) return LF_INVALID_PARAMETER;
-  if (id == LF_PARAM_TIME_PER_FRAME) {
-    const double us = MicrosecondsPerFrame();
-    std::memcpy(value, &us, sizeof(us));
-  }
+  AnswerTimePerFrame(id, value);
   return LF_OK;
 }
 

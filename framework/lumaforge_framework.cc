@@ -1,5 +1,6 @@
 #include "framework/lumaforge_framework.h"
 
+#include <cstring>
 #include <new>
 
 #include "framework/clock.h"
@@ -43,6 +44,12 @@ void CLumaforgeFramework::FinishFrameTiming(int64_t startUs) {
 double CLumaforgeFramework::MicrosecondsPerFrame() const {
   if (!m_pTiming) return 0.0;
   return static_cast<double>(m_pTiming->accumulatedUs) / static_cast<double>(m_pTiming->frames);
+}
+
+void CLumaforgeFramework::AnswerTimePerFrame(ParamId id, void* value) const {
+  if (id != LF_PARAM_TIME_PER_FRAME || !value) return;
+  const double us = MicrosecondsPerFrame();
+  std::memcpy(value, &us, sizeof(us));
 }
 
 void CLumaforgeFramework::LogFrameTiming(TimingRecord* record) {

@@ -53,6 +53,9 @@ class CLumaforgeFramework {
   void FinishFrameTiming(int64_t startUs);
   // Microseconds per frame over the current interval (not finite without frames).
   double MicrosecondsPerFrame() const;
+  // The GetParam answer every timed filter gives: for LF_PARAM_TIME_PER_FRAME
+  // writes MicrosecondsPerFrame() as a double to `value` (when not null).
+  void AnswerTimePerFrame(ParamId id, void* value) const;
 
   std::unique_ptr<Logger> m_pLogger;
   bool m_bInitialised = false;

@@ -94,7 +94,7 @@ int32_t CDownsampling::Uninit() {
 int32_t CDownsampling::SetParam(ParamId /*id*/, void* /*value*/) { return LF_OK; }
 
 int32_t CDownsampling::GetParam(ParamId id, void* value) {
-  if (id == LF_PARAM_TIME_PER_FRAME && value) *static_cast<double*>(value) = MicrosecondsPerFrame();
+  AnswerTimePerFrame(id, value);
   return LF_OK;
 }
 

@@ -48,7 +48,7 @@ void FillTransposed(Plane& plane) {
   uint8_t* bytes = plane.Row(0);
   const size_t count = static_cast<size_t>(plane.RowBytes()) / 4;
   std::vector<float> values(count);
-  for (size_t i = 0; i < count; ++i) values[i] = bytes[i] + bytes[count * 3 + i % count] / 256.0f;
+  for (size_t i = 0; i < count; ++i) values[i] = bytes[i] + bytes[count * 3 + i] / 256.0f;
   std::memcpy(bytes, values.data(), count * 4);
 }
 
