@@ -19,7 +19,6 @@
 #include <tmmintrin.h>
 #endif
 
-#include <climits>
 #include <cstring>
 
 #include "scaling/kernels/multitap_scale.h"
@@ -220,13 +219,8 @@ void FourTapVertical(const uint8_t* r0, const uint8_t* r1, const uint8_t* r2, co
 
 void FourTapHorizontal(const uint8_t* line, uint8_t* dst, int32_t width, int32_t posX, int32_t stepX,
                        const int8_t (*phases)[4], int32_t cycleLength) {
-  // The vector path walks forward with positions that stay in int32 and taps
-  // that fit the pair range; anything else is left to the plain routine.
-  const int64_t lastPos = static_cast<int64_t>(posX) + static_cast<int64_t>(width - 1) * stepX;
-  bool fits = width > 0 && stepX > 0 && cycleLength >= 0 && cycleLength <= 64 && lastPos + stepX <= INT32_MAX;
-  const int32_t used = cycleLength ? cycleLength : 64;
-  for (int32_t p = 0; fits && p < used; ++p) fits = FourTapPairsFit(phases[p]);
-  if (!fits) {
+  int64_t lastPos = 0;
+  if (!FourTapRowFits(width, posX, stepX, phases, cycleLength, &lastPos)) {
     FourTapHorizontal_c(line, dst, width, posX, stepX, phases, cycleLength);
     return;
   }
