@@ -2,6 +2,8 @@
 
 #include <cstddef>
 
+#include "framework/filter_descriptor.h"
+
 namespace Lumaforge {
 
 CAlphaBlend::CAlphaBlend(uint32_t cpuFeatures) : m_uFeatures(cpuFeatures) {
@@ -70,5 +72,18 @@ int32_t CAlphaBlend::Process(VideoPicture* input, VideoPicture* output) {
     default: return LF_UNSUPPORTED;
   }
 }
+
+namespace {
+constexpr uint32_t kAlphaBlendFormats[] = {LF_I420, LF_YV12, LF_RGBA, LF_BGRA, LF_ABGR, LF_ARGB};
+}  // namespace
+
+extern const FilterDescriptor kAlphaBlendDescriptor = {LF_FILTER_ALPHA_BLEND,
+                                                       "AlphaBlend",
+                                                       "Create AlphaBlend(%p)",
+                                                       CreateFilter<CAlphaBlend>,
+                                                       false,
+                                                       FormatReading::kPlanes,
+                                                       kAlphaBlendFormats,
+                                                       {}};
 
 }  // namespace Lumaforge

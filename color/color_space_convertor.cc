@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "framework/filter_descriptor.h"
 #include "framework/formats.h"
 
 namespace Lumaforge {
@@ -134,5 +135,21 @@ int32_t CColorSpaceConvertor::Process(VideoPicture* input, VideoPicture* output)
   m_pTable[entry](input, output, m_kernels);
   return LF_OK;
 }
+
+namespace {
+// The input formats the conversion table knows; the output record's format
+// says what to produce.
+constexpr uint32_t kCscFormats[] = {LF_I420,  LF_YV12,  LF_NV12, LF_NV21, LF_I440, LF_YUY2, LF_YVYU, LF_UYVY, LF_VYUY,
+                                    LF_RGB24, LF_BGR24, LF_RGBA, LF_BGRA, LF_ABGR, LF_ARGB, LF_RGBP, LF_BGRP};
+}  // namespace
+
+extern const FilterDescriptor kCscDescriptor = {LF_FILTER_CSC,
+                                                "CSC",
+                                                "Create ColorSpaceConvertion CSC(%p)",
+                                                CreateFilter<CColorSpaceConvertor>,
+                                                false,
+                                                FormatReading::kConversion,
+                                                kCscFormats,
+                                                {}};
 
 }  // namespace Lumaforge

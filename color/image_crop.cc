@@ -1,6 +1,7 @@
 #include "color/image_crop.h"
 
 #include "framework/clock.h"
+#include "framework/filter_descriptor.h"
 #include "framework/formats.h"
 #include "framework/safe_string.h"
 
@@ -116,5 +117,16 @@ int32_t CImageCrop::Process(VideoPicture* input, VideoPicture* output) {
   FinishFrameTiming(startUs);
   return LF_OK;
 }
+
+namespace {
+constexpr uint32_t kCropFormats[] = {LF_I420, LF_YV12,  LF_NV12,  LF_NV21, LF_I440, LF_YUY2, LF_YVYU, LF_UYVY,
+                                     LF_VYUY, LF_RGB24, LF_BGR24, LF_RGBA, LF_BGRA, LF_ABGR, LF_ARGB};
+constexpr ParamDescriptor kCropParams[] = {
+    {LF_PARAM_CROP_CONFIG, ParamType::kRecord, kParamSet, "crop", "a CropConfig: mode, top, left, width, height"}};
+}  // namespace
+
+extern const FilterDescriptor kCropDescriptor = {
+    LF_FILTER_CROP, "IMAGECROP", "Create ImageCrop(%p)", CreateFilter<CImageCrop>, false, FormatReading::kConversion,
+    kCropFormats,   kCropParams};
 
 }  // namespace Lumaforge

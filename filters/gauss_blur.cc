@@ -6,6 +6,7 @@
 #include "filters/kernels/deriche_coefficients.h"
 #include "framework/buffers.h"
 #include "framework/clock.h"
+#include "framework/filter_descriptor.h"
 
 namespace Lumaforge {
 namespace {
@@ -137,5 +138,15 @@ int32_t CGaussBlur::Process(VideoPicture* input, VideoPicture* output) {
   FinishFrameTiming(startUs);
   return LF_OK;
 }
+
+namespace {
+constexpr uint32_t kGaussBlurFormats[] = {LF_I420, LF_YV12, LF_RGBA, LF_BGRA, LF_ABGR, LF_ARGB, LF_VYUY};
+constexpr ParamDescriptor kGaussBlurParams[] = {
+    {LF_PARAM_BLUR_SIGMA, ParamType::kFloat, kParamSet | kParamGet, "sigma", "standard deviation in pixels"}};
+}  // namespace
+
+extern const FilterDescriptor kGaussBlurDescriptor = {LF_FILTER_GAUSS_BLUR,     "GaussBlur",     "Create GaussBlur(%p)",
+                                                      CreateFilter<CGaussBlur>, false,           FormatReading::kPlanes,
+                                                      kGaussBlurFormats,        kGaussBlurParams};
 
 }  // namespace Lumaforge

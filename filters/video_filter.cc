@@ -6,6 +6,7 @@
 #include "filters/effect_curves.h"
 #include "framework/buffers.h"
 #include "framework/clock.h"
+#include "framework/filter_descriptor.h"
 
 namespace Lumaforge {
 
@@ -148,5 +149,15 @@ int32_t CVideoFilter::Process(VideoPicture* input, VideoPicture* /*output*/) {
   FinishFrameTiming(startUs);
   return LF_OK;
 }
+
+namespace {
+constexpr uint32_t kVideoFilterFormats[] = {LF_I420};
+constexpr ParamDescriptor kVideoFilterParams[] = {
+    {LF_PARAM_VIDEO_EFFECT, ParamType::kUint32, kParamSet, "effect", "a VideoEffect: 1 grey ... 5 film"}};
+}  // namespace
+
+extern const FilterDescriptor kVideoFilterDescriptor = {
+    LF_FILTER_VIDEO_FILTER, "VideoFilter",       "Create VideoFilter(%p)", CreateFilter<CVideoFilter>, false,
+    FormatReading::kPlanes, kVideoFilterFormats, kVideoFilterParams};
 
 }  // namespace Lumaforge

@@ -37,7 +37,7 @@ int32_t CLumaforgeManager::Init(int32_t type, void* config, uint8_t flag) {
   const uint64_t userValue = m_pLogger ? m_pLogger->GetUserValue() : 0;
   if (m_pLogger) m_pLogger->Info("Lumaforge Init(), version: %s, commit=%s", kVersionText, kCommitId);
 
-  const FilterTypeInfo* info = FindFilterType(type);
+  const FilterDescriptor* info = FindFilterDescriptor(type);
   if (!info) {
     if (m_pLogger) m_pLogger->Info("Invalid parameter");
     return LF_INVALID_PARAMETER;

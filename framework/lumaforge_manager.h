@@ -4,7 +4,7 @@
 
 #include <memory>
 
-#include "framework/filter_types.h"
+#include "framework/filter_descriptor.h"
 #include "framework/logger.h"
 #include "lumaforge/lumaforge.h"
 

@@ -4,6 +4,7 @@
 
 #include "framework/buffers.h"
 #include "framework/clock.h"
+#include "framework/filter_descriptor.h"
 #include "framework/formats.h"
 #include "scaling/downsample_taps.h"
 
@@ -16,23 +17,15 @@ constexpr uint32_t kSampleChromaBytes = 960 * 544;
 constexpr uint32_t kHalfBandTempBytes = 2088960;
 constexpr uint32_t kGeneralTempBytes = 3840;
 
-// Bytes per pixel of the formats the filter takes, 0 for the others.
-int32_t BytesPerPixel(uint32_t code) {
-  if (code == LF_RGB24 || code == LF_BGR24) return 3;
-  if (IsPackedRgb32(code)) return 4;
-  if (code == LF_RGBP || code == LF_I420 || code == LF_VYUY) return 1;
-  return 0;
+// The formats the filter takes, as scaling reads them (code 31 is grey,
+// RGBP three planes with their own pointers).
+bool IsDownsampledFormat(uint32_t code) {
+  return code == LF_RGB24 || code == LF_BGR24 || code == LF_RGBA || code == LF_BGRA || code == LF_ABGR ||
+         code == LF_ARGB || code == LF_RGBP || code == LF_I420 || code == LF_VYUY;
 }
 
-bool IsPacked(uint32_t code) { return IsPackedRgb24(code) || IsPackedRgb32(code); }
-
-// Three-plane formats need all three planes; a missing one is refused like a
-// missing first plane rather than read through.
-bool HasPlanes(const VideoPicture& p) {
-  const uint32_t code = FormatCode(p.format);
-  if (code == LF_RGBP || code == LF_I420) return p.planes[0] && p.planes[1] && p.planes[2];
-  return p.planes[0] != nullptr;
-}
+// Packed pixels are scaled by the packed kernels and never cascade.
+bool IsPacked(const PlaneLayout& layout) { return layout.bytesPerPixel > 1; }
 
 WorkPicture RecordPicture(const VideoPicture& p) {
   WorkPicture w;
@@ -101,36 +94,30 @@ int32_t CDownsampling::GetParam(ParamId id, void* value) {
 int32_t CDownsampling::Process(VideoPicture* input, VideoPicture* output) {
   const int64_t startUs = NowMicroseconds();
   if (InitBuffer(input, output) != LF_OK) return LF_FAILED;
-  const uint32_t code = FormatCode(input->format);
   const int32_t W = static_cast<int32_t>(input->width), H = static_cast<int32_t>(input->height);
   const int32_t w = static_cast<int32_t>(output->width), h = static_cast<int32_t>(output->height);
-  auto plane = [](const WorkPicture& p, int32_t k, int32_t width, int32_t height) {
-    return PlaneView{p.planes[k], static_cast<int32_t>(p.strides[k]), width, height};
-  };
+  const WorkPicture &s = m_SrcPicture, &d = m_DstPicture;
 
-  if (IsPacked(code)) {
-    const WorkPicture &s = m_SrcPicture, &d = m_DstPicture;
+  if (IsPacked(m_layout)) {
+    const int32_t k = m_layout.bytesPerPixel;
     if ((W >> 1) == w && (H >> 1) == h) {
-      m_box.packedHalf(s.planes[0], s.strides[0], d.planes[0], d.strides[0], W, H, m_iBytesPerPixel);
+      m_box.packedHalf(s.planes[0], s.strides[0], d.planes[0], d.strides[0], W, H, k);
     } else {
-      m_box.packedGeneral(s.planes[0], s.strides[0], W, H, d.planes[0], d.strides[0], w, h, m_iBytesPerPixel);
+      m_box.packedGeneral(s.planes[0], s.strides[0], W, H, d.planes[0], d.strides[0], w, h, k);
     }
-  } else if (code == LF_VYUY) {
-    ScalePlane(plane(m_SrcPicture, 0, W, H), plane(m_DstPicture, 0, w, h), 0, false);
-  } else if (code == LF_I420) {
-    ScalePlane(plane(m_SrcPicture, 0, W, H), plane(m_DstPicture, 0, w, h), 0, false);
-    for (int32_t k = 1; k < 3; ++k) {
-      ScalePlane(plane(m_SrcPicture, k, W / 2, H / 2), plane(m_DstPicture, k, w / 2, h / 2), k, true);
-    }
-  } else if (code == LF_RGBP) {
-    for (int32_t k = 0; k < 3; ++k) ScalePlane(plane(m_SrcPicture, k, W, H), plane(m_DstPicture, k, w, h), k, false);
   } else {
-    return LF_UNSUPPORTED;
+    // Planar pictures: every plane on its own; 4:2:0 chroma at half size.
+    for (int32_t k = 0; k < m_layout.planes; ++k) {
+      const bool chroma = k > 0 && m_layout.chroma420;
+      const int32_t shift = chroma ? 1 : 0;
+      ScalePlane(PlaneView{s.planes[k], static_cast<int32_t>(s.strides[k]), W >> shift, H >> shift},
+                 PlaneView{d.planes[k], static_cast<int32_t>(d.strides[k]), w >> shift, h >> shift}, k, chroma);
+    }
   }
 
   if (m_bCopyBack) {
     WorkPicture out = RecordPicture(*output);
-    CopyPicture(m_DstPicture, out, code);
+    CopyPicture(m_DstPicture, out);
   }
   FinishFrameTiming(startUs);
   return LF_OK;
@@ -144,8 +131,14 @@ int32_t CDownsampling::InitBuffer(const VideoPicture* input, VideoPicture* outpu
   };
   if (!input || !output)
     return fail(LF_INVALID_PARAMETER, "CDownsampling::InitBuffer(), input or output picture pointer is null");
-  if (!HasPlanes(*input)) return fail(LF_INVALID_PARAMETER, "CDownsampling::InitBuffer(), input data pointer is null.");
+  const uint32_t code = FormatCode(input->format);
   const uint32_t W = input->width, H = input->height, w = output->width, h = output->height;
+  m_uFormat = code;
+  m_layout = LayoutOf(code, FormatReading::kPlanes, W, H);
+  // A three-plane format needs all three planes: a missing one is refused
+  // like a missing first plane rather than read through.
+  if (!input->planes[0] || (IsDownsampledFormat(code) && !PlanesPresent(*input, m_layout)))
+    return fail(LF_INVALID_PARAMETER, "CDownsampling::InitBuffer(), input data pointer is null.");
   if (!W || !H || !w || !h)
     return fail(LF_INVALID_PARAMETER, "CDownsampling::InitBuffer(), input or output frame size is 0.");
   if ((W | H | w | h) & 1) {
@@ -163,22 +156,22 @@ int32_t CDownsampling::InitBuffer(const VideoPicture* input, VideoPicture* outpu
                 "height less then output.",
                 W, H, w, h);
   }
-  const uint32_t code = FormatCode(input->format);
-  if (code < 1 || code > 31 || BytesPerPixel(code) == 0) return LF_INVALID_PARAMETER;
-  m_iBytesPerPixel = BytesPerPixel(code);
+  if (!IsDownsampledFormat(code)) return LF_INVALID_PARAMETER;
 
-  if (!m_bSampleBuffersAllocated) {
+  // The sample planes are cut for the format at hand, so a frame scales the
+  // same way whatever format came before it.
+  if (!m_bSampleBuffersAllocated || (!IsPacked(m_layout) && code != m_uSampleFormat)) {
     const int32_t status = AllocateSampleBuffers(code);
     if (status != LF_OK) return status;
   }
 
   m_bCopyBack = false;
   if (!m_bCallerBuffers) {
-    if (AllocateWorkPicture(m_srcBuffer, m_SrcPicture, *input, code, "AllocateSrcBuffer") != LF_OK ||
-        AllocateWorkPicture(m_dstBuffer, m_DstPicture, *output, code, "AllocateDstBuffer") != LF_OK) {
+    if (AllocateWorkPicture(m_srcBuffer, m_SrcPicture, *input, "AllocateSrcBuffer") != LF_OK ||
+        AllocateWorkPicture(m_dstBuffer, m_DstPicture, *output, "AllocateDstBuffer") != LF_OK) {
       return fail(LF_SETUP_ALLOC_FAILED, "CDownsampling::InitBuffer(), AllocateBuffer failed.");
     }
-    CopyPicture(RecordPicture(*input), m_SrcPicture, code);
+    CopyPicture(RecordPicture(*input), m_SrcPicture);
     for (int k = 0; k < 3; ++k) {
       output->planes[k] = m_DstPicture.planes[k];
       output->strides[k] = m_DstPicture.strides[k];
@@ -187,18 +180,18 @@ int32_t CDownsampling::InitBuffer(const VideoPicture* input, VideoPicture* outpu
   }
   if (!output->planes[0])
     return fail(LF_INVALID_PARAMETER, "CDownsampling::InitBuffer(), output data pointer is null.");
-  if (IsAligned(*input, code)) {
+  if (IsAligned(*input)) {
     m_SrcPicture = RecordPicture(*input);
   } else {
-    if (AllocateWorkPicture(m_srcBuffer, m_SrcPicture, *input, code, "AllocateSrcBuffer") != LF_OK) {
+    if (AllocateWorkPicture(m_srcBuffer, m_SrcPicture, *input, "AllocateSrcBuffer") != LF_OK) {
       return LF_SETUP_ALLOC_FAILED;
     }
-    CopyPicture(RecordPicture(*input), m_SrcPicture, code);
+    CopyPicture(RecordPicture(*input), m_SrcPicture);
   }
-  if (IsAligned(*output, code)) {
+  if (IsAligned(*output)) {
     m_DstPicture = RecordPicture(*output);
   } else {
-    if (AllocateWorkPicture(m_dstBuffer, m_DstPicture, *output, code, "AllocateDstBuffer") != LF_OK) {
+    if (AllocateWorkPicture(m_dstBuffer, m_DstPicture, *output, "AllocateDstBuffer") != LF_OK) {
       return LF_SETUP_ALLOC_FAILED;
     }
     m_bCopyBack = true;
@@ -208,35 +201,37 @@ int32_t CDownsampling::InitBuffer(const VideoPicture* input, VideoPicture* outpu
 
 int32_t CDownsampling::AllocateSampleBuffers(uint32_t code) {
   if (m_pLogger) m_pLogger->Info("CDownsampling::InitBuffer(), allocate(reallocate) sampleBuffer and tempBuffer.");
-  // Per set: the planes the first frame's format needs; packed pictures never cascade.
+  // Two sets of the planes this format cascades through; packed pictures never cascade.
   uint32_t planeBytes[3] = {};
-  if (code == LF_RGBP) {
-    planeBytes[0] = planeBytes[1] = planeBytes[2] = kSampleLumaBytes;
-  } else if (code == LF_I420) {
-    planeBytes[0] = kSampleLumaBytes;
-    planeBytes[1] = planeBytes[2] = kSampleChromaBytes;
-  } else if (code == LF_VYUY) {
-    planeBytes[0] = kSampleLumaBytes;
-  }
-  const uint32_t setBytes = planeBytes[0] + planeBytes[1] + planeBytes[2];
-  m_bSampleBufferFailed = false;
-  if (setBytes && !m_pSampleBlock) {
-    m_pSampleBlock = AlignedAlloc(2 * setBytes);
-    m_bSampleBufferFailed = m_pSampleBlock == nullptr;
-    uint8_t* next = m_pSampleBlock;
-    for (int set = 0; set < 2 && next; ++set) {
-      for (int k = 0; k < 3; ++k) {
-        m_pSamplePlanes[set][k] = planeBytes[k] ? next : nullptr;
-        next += planeBytes[k];
-      }
+  if (!IsPacked(m_layout)) {
+    for (int32_t k = 0; k < m_layout.planes; ++k) {
+      planeBytes[k] = k > 0 && m_layout.chroma420 ? kSampleChromaBytes : kSampleLumaBytes;
     }
   }
-  AlignedFree(m_pHalfBandTempBuffer);
-  AlignedFree(m_pGeneralTempBuffer);
-  m_pHalfBandTempBuffer = AlignedAlloc(kHalfBandTempBytes);
-  m_uHalfBandTempCapacity = m_pHalfBandTempBuffer ? kHalfBandTempBytes : 0;
-  m_pGeneralTempBuffer = AlignedAlloc(kGeneralTempBytes);
-  m_uGeneralTempCapacity = m_pGeneralTempBuffer ? kGeneralTempBytes : 0;
+  const uint32_t setBytes = planeBytes[0] + planeBytes[1] + planeBytes[2];
+  if (2 * setBytes > m_uSampleCapacity) {
+    AlignedFree(m_pSampleBlock);
+    m_pSampleBlock = AlignedAlloc(2 * setBytes);
+    m_uSampleCapacity = m_pSampleBlock ? 2 * setBytes : 0;
+  }
+  m_bSampleBufferFailed = setBytes && !m_pSampleBlock;
+  std::memset(m_pSamplePlanes, 0, sizeof(m_pSamplePlanes));
+  uint8_t* next = m_pSampleBlock;
+  for (int set = 0; set < 2 && next; ++set) {
+    for (int k = 0; k < 3; ++k) {
+      m_pSamplePlanes[set][k] = planeBytes[k] ? next : nullptr;
+      next += planeBytes[k];
+    }
+  }
+  m_uSampleFormat = setBytes ? code : 0;
+  auto ensure = [](uint8_t*& buffer, uint32_t& capacity, uint32_t bytes) {
+    if (capacity >= bytes) return;
+    AlignedFree(buffer);
+    buffer = AlignedAlloc(bytes);
+    capacity = buffer ? bytes : 0;
+  };
+  ensure(m_pHalfBandTempBuffer, m_uHalfBandTempCapacity, kHalfBandTempBytes);
+  ensure(m_pGeneralTempBuffer, m_uGeneralTempCapacity, kGeneralTempBytes);
   if (m_bSampleBufferFailed || !m_pHalfBandTempBuffer || !m_pGeneralTempBuffer) {
     if (m_pLogger)
       m_pLogger->Error("CDownsampling::InitBuffer(), allocate(reallocate) sampleBuffer and tempBuffer failed.");
@@ -247,64 +242,48 @@ int32_t CDownsampling::AllocateSampleBuffers(uint32_t code) {
 }
 
 int32_t CDownsampling::AllocateWorkPicture(WorkBuffer& buffer, WorkPicture& picture, const VideoPicture& like,
-                                           uint32_t code, const char* what) {
-  // Kept for the same size, and the same format: a picture of another format
-  // needs another layout (and possibly more bytes) than the kept one.
-  if (buffer.allocated && buffer.width == like.width && buffer.height == like.height && buffer.format == code) {
-    return LF_OK;
+                                           const char* what) {
+  // Both work pictures take the input's format.
+  const uint32_t code = m_uFormat;
+  const PlaneLayout layout = LayoutOf(code, FormatReading::kPlanes, like.width, like.height);
+  // Rows padded to the alignment; packed rows are the padded width times
+  // the bytes per pixel.
+  const uint32_t align = m_uAlignment;
+  uint32_t strides[3] = {}, required = align;
+  for (int32_t k = 0; k < m_layout.planes; ++k) {
+    strides[k] = RoundUp(layout.plane[k].width, align) * m_layout.bytesPerPixel;
+    required += strides[k] * layout.plane[k].height;
   }
-  const uint32_t align = m_uAlignment, margin = m_uMargin;
-  const uint32_t P = RoundUp(like.width + 2 * margin, align);
-  const uint32_t Pc = RoundUp(like.width / 2 + 2 * margin, align);
-  const uint32_t R = like.height + 2 * margin, chromaRows = 2 * margin + like.height / 2;
-  uint32_t required;
-  if (IsPacked(code)) {
-    required = R * m_iBytesPerPixel * P + align;
-  } else if (code == LF_RGBP) {
-    required = 3 * R * P + align;
-  } else if (code == LF_I420) {
-    required = R * P + 2 * chromaRows * Pc + align;
-  } else if (code == LF_VYUY) {
-    required = R * P + align;
-  } else {
-    if (m_pLogger && std::strcmp(what, "AllocateDstBuffer") == 0) {
-      m_pLogger->Error("CDownsampling::AllocateDstBuffer(), not support this format");
+  // Kept for the same size and format; a picture of another format needs
+  // another layout (and possibly more bytes) than the kept one.
+  const bool keep =
+      buffer.allocated && buffer.width == like.width && buffer.height == like.height && buffer.format == code;
+  if (!keep) {
+    if (required > buffer.capacity) {
+      AlignedFree(buffer.block);
+      buffer.block = AlignedAlloc(required);
+      buffer.capacity = buffer.block ? required : 0;
+      if (!buffer.block) {
+        buffer.allocated = false;
+        return LF_SETUP_ALLOC_FAILED;
+      }
     }
-    return LF_UNSUPPORTED;
+    std::memset(buffer.block, 0, required);
   }
-  if (required > buffer.capacity) {
-    AlignedFree(buffer.block);
-    buffer.block = AlignedAlloc(required);
-    buffer.capacity = buffer.block ? required : 0;
-    if (!buffer.block) {
-      buffer.allocated = false;
-      return LF_SETUP_ALLOC_FAILED;
-    }
-  }
-  std::memset(buffer.block, 0, required);
-  // The first plane starts past the next alignment boundary (always moving
-  // forward), then past the margin.
-  uint8_t* base =
+  // The picture is always cut again from the block: in caller-buffer mode it
+  // may point at a caller's planes since the last frame. The first plane
+  // starts past the next alignment boundary (always moving forward).
+  uint8_t* next =
       reinterpret_cast<uint8_t*>((reinterpret_cast<uintptr_t>(buffer.block) + align) & ~uintptr_t{align - 1});
   picture = WorkPicture();
   picture.width = like.width;
   picture.height = like.height;
-  picture.planes[0] = base + (P + 1) * margin;
-  if (IsPacked(code)) {
-    picture.strides[0] = P * m_iBytesPerPixel;
-  } else {
-    picture.strides[0] = P;
-    if (code == LF_RGBP) {
-      for (int k = 1; k < 3; ++k) {
-        picture.planes[k] = picture.planes[k - 1] + static_cast<size_t>(R) * P;
-        picture.strides[k] = P;
-      }
-    } else if (code == LF_I420) {
-      picture.planes[1] = picture.planes[0] + static_cast<size_t>(R) * P;
-      picture.planes[2] = picture.planes[1] + static_cast<size_t>(chromaRows) * Pc;
-      picture.strides[1] = picture.strides[2] = Pc;
-    }
+  for (int32_t k = 0; k < m_layout.planes; ++k) {
+    picture.planes[k] = next;
+    picture.strides[k] = strides[k];
+    next += static_cast<size_t>(strides[k]) * layout.plane[k].height;
   }
+  if (keep) return LF_OK;
   if (m_pLogger) {
     m_pLogger->Info("CDownsampling::%s(), allocate(reallocate) %s buffer, size=%d", what,
                     std::strcmp(what, "AllocateSrcBuffer") == 0 ? "SrcPicture" : "DstPicture", required);
@@ -316,34 +295,36 @@ int32_t CDownsampling::AllocateWorkPicture(WorkBuffer& buffer, WorkPicture& pict
   return LF_OK;
 }
 
-bool CDownsampling::IsAligned(const VideoPicture& picture, uint32_t code) const {
-  const int planes = (code == LF_RGBP || code == LF_I420) ? 3 : 1;
-  for (int k = 0; k < planes; ++k) {
+bool CDownsampling::IsAligned(const VideoPicture& picture) const {
+  for (int k = 0; k < m_layout.planes; ++k) {
     if (picture.strides[k] % m_uAlignment || reinterpret_cast<uintptr_t>(picture.planes[k]) % m_uAlignment)
       return false;
   }
   return true;
 }
 
-void CDownsampling::CopyPicture(const WorkPicture& from, WorkPicture& to, uint32_t code) const {
-  const uint32_t width = from.width, height = from.height;
-  auto copy = [](const uint8_t* src, uint32_t srcStride, uint8_t* dst, uint32_t dstStride, size_t bytes,
-                 uint32_t rows) {
-    for (uint32_t y = 0; y < rows; ++y)
-      std::memcpy(dst + static_cast<size_t>(y) * dstStride, src + static_cast<size_t>(y) * srcStride, bytes);
-  };
-  if (IsPacked(code) || code == LF_VYUY) {
-    copy(from.planes[0], from.strides[0], to.planes[0], to.strides[0], static_cast<size_t>(width) * m_iBytesPerPixel,
-         height);
-  } else if (code == LF_RGBP) {
-    for (int k = 0; k < 3; ++k) copy(from.planes[k], from.strides[k], to.planes[k], to.strides[k], width, height);
-  } else if (code == LF_I420) {
-    copy(from.planes[0], from.strides[0], to.planes[0], to.strides[0], width, height);
-    for (int k = 1; k < 3; ++k)
-      copy(from.planes[k], from.strides[k], to.planes[k], to.strides[k], width / 2, height / 2);
-  } else if (m_pLogger) {
-    m_pLogger->Error("CDownsampling::AllocateDstBuffer(), not support this format");
+void CDownsampling::CopyPicture(const WorkPicture& from, WorkPicture& to) const {
+  const PlaneLayout layout = LayoutOf(m_uFormat, FormatReading::kPlanes, from.width, from.height);
+  for (int k = 0; k < layout.planes; ++k) {
+    for (uint32_t y = 0; y < layout.plane[k].height; ++y) {
+      std::memcpy(to.planes[k] + static_cast<size_t>(y) * to.strides[k],
+                  from.planes[k] + static_cast<size_t>(y) * from.strides[k], layout.plane[k].rowBytes);
+    }
   }
 }
+
+namespace {
+constexpr uint32_t kDownsampleFormats[] = {LF_I420, LF_RGB24, LF_BGR24, LF_RGBA, LF_BGRA,
+                                           LF_ARGB, LF_ABGR,  LF_RGBP,  LF_VYUY};
+}  // namespace
+
+extern const FilterDescriptor kDownsampleDescriptor = {LF_FILTER_DOWNSAMPLE,
+                                                       "Downsample",
+                                                       "Create Downsample(%p)",
+                                                       CreateFilter<CDownsampling>,
+                                                       true,
+                                                       FormatReading::kPlanes,
+                                                       kDownsampleFormats,
+                                                       {}};
 
 }  // namespace Lumaforge

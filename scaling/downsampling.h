@@ -8,6 +8,7 @@
 #include <cstdint>
 
 #include "framework/lumaforge_framework.h"
+#include "framework/plane_layout.h"
 #include "scaling/kernels/box_scale.h"
 #include "scaling/kernels/multitap_scale.h"
 
@@ -41,7 +42,7 @@ class CDownsampling : public CLumaforgeFramework {
   int32_t GetParam(ParamId id, void* value) override;
 
  private:
-  // A growable work block and the picture carved from it.
+  // A growable work block and the size and format it was last cut for.
   struct WorkBuffer {
     uint8_t* block = nullptr;
     uint32_t capacity = 0;
@@ -51,33 +52,29 @@ class CDownsampling : public CLumaforgeFramework {
 
   int32_t InitBuffer(const VideoPicture* input, VideoPicture* output);
   int32_t AllocateSampleBuffers(uint32_t code);
-  int32_t AllocateWorkPicture(WorkBuffer& buffer, WorkPicture& picture, const VideoPicture& like, uint32_t code,
-                              const char* what);
-  bool IsAligned(const VideoPicture& picture, uint32_t code) const;
-  void CopyPicture(const WorkPicture& from, WorkPicture& to, uint32_t code) const;
+  int32_t AllocateWorkPicture(WorkBuffer& buffer, WorkPicture& picture, const VideoPicture& like, const char* what);
+  bool IsAligned(const VideoPicture& picture) const;
+  void CopyPicture(const WorkPicture& from, WorkPicture& to) const;
   void ReleaseBuffers();
 
   // Scaling one plane: the direct path or the halving cascade.
   void ScalePlane(const PlaneView& src, const PlaneView& dst, int32_t plane, bool chroma);
-  void Halve(const PlaneView& src, const PlaneView& dst, int32_t processedWidth);
-  void Resample(const PlaneView& src, const PlaneView& dst, bool chroma);
   void DownsampleHalfMultiTap(const PlaneView& src, const PlaneView& dst);
   void DownsampleGeneralMultiTap(const PlaneView& src, const PlaneView& dst);
 
   bool m_bCallerBuffers = false;
   uint32_t m_uCpuFeatures;
-  uint32_t m_uMargin = 0;
   uint8_t* m_pSampleBlock = nullptr;
+  uint32_t m_uSampleCapacity = 0;
   uint8_t* m_pSamplePlanes[2][3] = {};
+  // The format the sample planes are cut for (0: none yet).
+  uint32_t m_uSampleFormat = 0;
   uint8_t* m_pHalfBandTempBuffer = nullptr;
   uint32_t m_uHalfBandTempCapacity = 0;
   uint8_t* m_pGeneralTempBuffer = nullptr;
   uint32_t m_uGeneralTempCapacity = 0;
   bool m_bSampleBufferFailed = false;
   int8_t m_HalfBandTaps[6] = {};
-  bool m_bHalfBandMultiTap = true;
-  bool m_bGeneralMultiTap = true;
-  int32_t m_iHalfBandTapCount = 6;
   BoxScaleKernels m_box;
   MultiTapScaleKernels m_multiTap;
   int8_t m_PhaseTable[64][4] = {};
@@ -85,7 +82,9 @@ class CDownsampling : public CLumaforgeFramework {
   WorkBuffer m_srcBuffer, m_dstBuffer;
   bool m_bSampleBuffersAllocated = false;
   bool m_bCopyBack = false;
-  int32_t m_iBytesPerPixel = 1;
+  // The input's format code and layout, read on every frame.
+  uint32_t m_uFormat = 0;
+  PlaneLayout m_layout;
 };
 
 }  // namespace Lumaforge

@@ -30,13 +30,13 @@ void CDownsampling::ScalePlane(const PlaneView& src, const PlaneView& dst, int32
   const bool direct = W / 2 > limitW || H / 2 > limitH || m_bSampleBufferFailed || !m_pSamplePlanes[0][plane];
   if (direct) {
     if (w == W / 2 && h == H / 2) {
-      Halve(src, dst, W);
+      DownsampleHalfMultiTap(src, dst);
     } else if (w == W >> 2 && h == H >> 2) {
       m_box.quarter(src.data, src.stride, dst.data, dst.stride, W, H);
     } else if (w == W / 3 && h == H / 3) {
       m_box.third(src.data, src.stride, dst.data, dst.stride, W, H);
     } else {
-      Resample(src, dst, chroma);
+      DownsampleGeneralMultiTap(src, dst);
     }
     return;
   }
@@ -47,42 +47,18 @@ void CDownsampling::ScalePlane(const PlaneView& src, const PlaneView& dst, int32
   for (;;) {
     const int32_t hw = current.width >> 1, hh = current.height >> 1;
     if (hw == w && hh == h) {
-      Halve(current, dst, current.width);
+      DownsampleHalfMultiTap(current, dst);
       return;
     }
     if (hw <= w || hh <= h) {
-      Resample(current, dst, chroma);
+      DownsampleGeneralMultiTap(current, dst);
       return;
     }
     const PlaneView sample{m_pSamplePlanes[set][plane], (hw + 31) & ~31, hw, hh};
-    int32_t processed = current.width;
-    if (!m_bHalfBandMultiTap) {
-      // The 2x2 average runs over whole vectors, into the row padding.
-      processed = (current.stride % 32 == 0) ? (current.width + 31) & ~31 : (current.width + 15) & ~15;
-      if (processed > current.stride) processed = current.width;
-    }
-    Halve(current, sample, processed);
+    DownsampleHalfMultiTap(current, sample);
     current = sample;
     set ^= 1;
   }
-}
-
-void CDownsampling::Halve(const PlaneView& src, const PlaneView& dst, int32_t processedWidth) {
-  if (m_bHalfBandMultiTap) {
-    DownsampleHalfMultiTap(src, dst);
-    return;
-  }
-  const BoxScaleFn half = (src.stride % 32 == 0) ? m_box.halfAligned : m_box.halfUnaligned;
-  half(src.data, src.stride, dst.data, dst.stride, processedWidth, src.height);
-}
-
-void CDownsampling::Resample(const PlaneView& src, const PlaneView& dst, bool chroma) {
-  if (m_bGeneralMultiTap) {
-    DownsampleGeneralMultiTap(src, dst);
-    return;
-  }
-  const BilinearFn bilinear = chroma ? m_box.generalChroma : m_box.generalLuma;
-  bilinear(src.data, src.stride, src.width, src.height, dst.data, dst.stride, dst.width, dst.height);
 }
 
 void CDownsampling::DownsampleHalfMultiTap(const PlaneView& src, const PlaneView& dst) {

@@ -22,7 +22,9 @@ namespace Lumaforge {
 // out = (((c + d + 1) >> 1) + ((a + b + 1) >> 1) + 1) >> 1 over the block a b / c d.
 using BoxScaleKernel = void(const uint8_t* src, int32_t srcStride, uint8_t* dst, int32_t dstStride, int32_t width,
                             int32_t height);
-// The same per channel of `bytesPerPixel`-byte pixels, step 2.
+// Step 2 per channel of `bytesPerPixel`-byte pixels, columns first: with p0, p1
+// a channel of two neighbouring top-row pixels and q0, q1 the same below,
+// out = (((p0 + q0 + 1) >> 1) + ((p1 + q1 + 1) >> 1) + 1) >> 1.
 using PackedHalfKernel = void(const uint8_t* src, int32_t srcStride, uint8_t* dst, int32_t dstStride, int32_t width,
                               int32_t height, int32_t bytesPerPixel);
 using BilinearKernel = void(const uint8_t* src, int32_t srcStride, int32_t srcWidth, int32_t srcHeight, uint8_t* dst,
@@ -35,6 +37,10 @@ using PackedHalfFn = PackedHalfKernel*;
 using BilinearFn = BilinearKernel*;
 using PackedBilinearFn = PackedBilinearKernel*;
 
+// The downscaler's kernel set. It always halves through the six-tap filter
+// and resamples through the four-tap one, so only `third`, `quarter` and the
+// packed kernels run in the filter; the 2x2 halvings and plane bilinears are
+// kept as members of the set, with their variants checked by the harness.
 struct BoxScaleKernels {
   BoxScaleFn halfAligned;    // step 2, for sources whose stride is a multiple of 32
   BoxScaleFn halfUnaligned;  // step 2

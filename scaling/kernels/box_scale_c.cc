@@ -66,8 +66,9 @@ void PackedHalf_c(const uint8_t* src, int32_t srcStride, uint8_t* dst, int32_t d
     uint8_t* out = dst + static_cast<ptrdiff_t>(y) * dstStride;
     for (int32_t x = 0; x < width / 2; ++x) {
       for (int32_t c = 0; c < k; ++c) {
+        // Vertical pairs first: the mean of the two column means.
         const int32_t i = 2 * x * k + c;
-        out[x * k + c] = Average2x2(top[i], top[i + k], bottom[i], bottom[i + k]);
+        out[x * k + c] = Average2x2(top[i], bottom[i], top[i + k], bottom[i + k]);
       }
     }
   }

@@ -145,23 +145,22 @@ inline void BoxThirdImpl(const uint8_t* src, int32_t srcStride, uint8_t* dst, in
 #endif
 
 // Packed step 2, 4-byte pixels: 8 source pixels of two rows give 4 outputs.
+// Packed halving averages the two rows first, then neighbouring pixels.
 inline __m128i PackedHalf4x32(const uint8_t* top, const uint8_t* bottom) {
-  const auto pairMean = [](const uint8_t* p) {
-    const __m128 lo = _mm_castsi128_ps(LoadU(p)), hi = _mm_castsi128_ps(LoadU(p + 16));
-    return _mm_avg_epu8(_mm_castps_si128(_mm_shuffle_ps(lo, hi, _MM_SHUFFLE(2, 0, 2, 0))),
-                        _mm_castps_si128(_mm_shuffle_ps(lo, hi, _MM_SHUFFLE(3, 1, 3, 1))));
-  };
-  return _mm_avg_epu8(pairMean(bottom), pairMean(top));
+  const __m128 lo = _mm_castsi128_ps(_mm_avg_epu8(LoadU(top), LoadU(bottom)));
+  const __m128 hi = _mm_castsi128_ps(_mm_avg_epu8(LoadU(top + 16), LoadU(bottom + 16)));
+  return _mm_avg_epu8(_mm_castps_si128(_mm_shuffle_ps(lo, hi, _MM_SHUFFLE(2, 0, 2, 0))),
+                      _mm_castps_si128(_mm_shuffle_ps(lo, hi, _MM_SHUFFLE(3, 1, 3, 1))));
 }
 
 // Packed step 2, 3-byte pixels: 8 source pixels (24 bytes) of two rows give
-// 4 outputs in the low 12 bytes. Each 16-byte load averaged with itself
+// 4 outputs in the low 12 bytes. Each 16-byte row mean averaged with itself
 // shifted by one pixel holds the means of two output pixels at bytes 0..2
 // and 6..8 (second load: 4..6 and 10..12), so no byte past byte 23 is read.
 inline __m128i PackedHalf4x24(const uint8_t* top, const uint8_t* bottom) {
   const auto shiftMean = [](__m128i v) { return _mm_avg_epu8(v, _mm_srli_si128(v, 3)); };
-  const __m128i m0 = _mm_avg_epu8(shiftMean(LoadU(bottom)), shiftMean(LoadU(top)));
-  const __m128i m1 = _mm_avg_epu8(shiftMean(LoadU(bottom + 8)), shiftMean(LoadU(top + 8)));
+  const __m128i m0 = shiftMean(_mm_avg_epu8(LoadU(top), LoadU(bottom)));
+  const __m128i m1 = shiftMean(_mm_avg_epu8(LoadU(top + 8), LoadU(bottom + 8)));
 #if defined(__SSSE3__)
   return _mm_or_si128(_mm_shuffle_epi8(m0, _mm_setr_epi8(0, 1, 2, 6, 7, 8, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1)),
                       _mm_shuffle_epi8(m1, _mm_setr_epi8(-1, -1, -1, -1, -1, -1, 4, 5, 6, 10, 11, 12, -1, -1, -1, -1)));

@@ -71,13 +71,15 @@ __m128i Chroma16(__m256i top, __m256i bottom, __m256i fx, __m256i wy) {
 // 16 source pixels of two rows give 8 outputs; shufps pairs pixels within
 // lanes, so the results come out as outputs 0 1 4 5 | 2 3 6 7 until the permute.
 __m256i PackedHalf8x32(const uint8_t* top, const uint8_t* bottom) {
-  const auto pairMean = [](const uint8_t* p) {
-    const __m256 lo = _mm256_castsi256_ps(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)));
-    const __m256 hi = _mm256_castsi256_ps(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p + 32)));
-    return _mm256_avg_epu8(_mm256_castps_si256(_mm256_shuffle_ps(lo, hi, _MM_SHUFFLE(2, 0, 2, 0))),
-                           _mm256_castps_si256(_mm256_shuffle_ps(lo, hi, _MM_SHUFFLE(3, 1, 3, 1))));
+  // Rows first, then neighbouring pixels, as the plain routine rounds.
+  const auto rowMean = [top, bottom](int32_t offset) {
+    const auto load = [](const uint8_t* p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)); };
+    return _mm256_castsi256_ps(_mm256_avg_epu8(load(top + offset), load(bottom + offset)));
   };
-  return _mm256_permute4x64_epi64(_mm256_avg_epu8(pairMean(bottom), pairMean(top)), _MM_SHUFFLE(3, 1, 2, 0));
+  const __m256 lo = rowMean(0), hi = rowMean(32);
+  const __m256i mean = _mm256_avg_epu8(_mm256_castps_si256(_mm256_shuffle_ps(lo, hi, _MM_SHUFFLE(2, 0, 2, 0))),
+                                       _mm256_castps_si256(_mm256_shuffle_ps(lo, hi, _MM_SHUFFLE(3, 1, 3, 1))));
+  return _mm256_permute4x64_epi64(mean, _MM_SHUFFLE(3, 1, 2, 0));
 }
 
 }  // namespace
