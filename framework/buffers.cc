@@ -1,5 +1,6 @@
 #include "framework/buffers.h"
 
+#include <atomic>
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
@@ -12,6 +13,8 @@ namespace {
 // Room below the aligned address for the heap start (8 bytes) and the size
 // (4 bytes, 12 below the address); the alignment adds up to alignment - 1.
 constexpr uint32_t kHeaderBytes = 12;
+
+std::atomic<uint64_t> g_allocations{0};
 
 uint8_t* StoredStart(const void* block) {
   uint8_t* start;
@@ -35,8 +38,11 @@ uint8_t* AlignedAlloc(uint32_t size, uint32_t alignment) {
   auto* block = reinterpret_cast<uint8_t*>(aligned);
   std::memcpy(block - 8, &start, sizeof(start));
   std::memcpy(block - 12, &size, sizeof(size));
+  g_allocations.fetch_add(1, std::memory_order_relaxed);
   return block;
 }
+
+uint64_t AlignedAllocCount() { return g_allocations.load(std::memory_order_relaxed); }
 
 void AlignedFree(void* block) {
   if (block) std::free(StoredStart(block));

@@ -10,6 +10,9 @@ namespace Lumaforge {
 // of two), or null. The block's heap start and `size` are kept just below
 // the returned address.
 uint8_t* AlignedAlloc(uint32_t size, uint32_t alignment = 16);
+// Blocks AlignedAlloc has handed out in this process: tests read it to
+// check that a filter's steady state allocates nothing.
+uint64_t AlignedAllocCount();
 // Frees a block from AlignedAlloc; null is ignored.
 void AlignedFree(void* block);
 

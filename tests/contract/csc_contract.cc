@@ -1,0 +1,36 @@
+// The colour converter's contract: conversions between the format groups,
+// a mirrored pair, and the refusals of records it cannot use.
+#include "tests/contract/filter_contract.h"
+
+namespace Lumaforge::test {
+namespace {
+
+ContractSpec CscContract() {
+  ContractSpec spec;
+  spec.type = LF_FILTER_CSC;
+  spec.frames = {
+      {LF_I420, 64, 48, LF_BGRA, 64, 48}, {LF_BGRA, 66, 34, LF_I420, 66, 34},
+      {LF_NV12, 98, 6, LF_RGB24, 98, 6},  {LF_YUY2, 40, 20, LF_NV21, 40, 20},
+      {LF_RGBP, 34, 18, LF_YVYU, 34, 18}, {LF_I420 | LF_FORMAT_BOTTOM_UP, 130, 66, LF_ABGR, 130, 66},
+      {LF_I440, 32, 16, LF_I420, 32, 16}, {LF_RGB24, 48, 16, LF_BGRP, 48, 16},
+  };
+  const ContractFrame i420{LF_I420, 32, 16, LF_BGRA, 32, 16};
+  spec.refusals = {
+      {"no input record", i420, [](VideoPicture*& in, VideoPicture*&) { in = nullptr; }, LF_INVALID_PARAMETER},
+      {"no output record", i420, [](VideoPicture*&, VideoPicture*& out) { out = nullptr; }, LF_INVALID_PARAMETER},
+      {"a missing input plane", i420, [](VideoPicture*& in, VideoPicture*&) { in->planes[1] = nullptr; },
+       LF_INVALID_PARAMETER},
+      {"an output format outside the codes", i420, [](VideoPicture*&, VideoPicture*& out) { out->format = 0; },
+       LF_UNSUPPORTED},
+      {"a pair without a conversion",
+       {LF_I440, 32, 16, LF_BGRA, 32, 16},
+       [](VideoPicture*&, VideoPicture*&) {},
+       LF_UNSUPPORTED},
+  };
+  return spec;
+}
+
+const ContractRegistration kRegistration(CscContract);
+
+}  // namespace
+}  // namespace Lumaforge::test

@@ -1,0 +1,70 @@
+// The contract every filter keeps, written once: each filter's tests give a
+// ContractSpec (pictures to run, documented refusals, which record fields
+// the filter writes), and the contract test runs the same checks on all of
+// them through the manager's public interface.
+#ifndef LUMAFORGE_TESTS_CONTRACT_FILTER_CONTRACT_H_
+#define LUMAFORGE_TESTS_CONTRACT_FILTER_CONTRACT_H_
+
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+#include "lumaforge/lumaforge.h"
+
+namespace Lumaforge::test {
+
+// Record fields a filter may write (besides the pixels it produces).
+enum RecordFields : uint32_t {
+  kNoFields = 0,
+  kPlaneFields = 1,  // planes and strides
+  kSizeFields = 2,   // width and height
+  kFormatField = 4,
+};
+
+// One call's pictures.
+struct ContractFrame {
+  uint32_t inFormat, inWidth, inHeight;
+  uint32_t outFormat, outWidth, outHeight;
+  // When set: the expected result bytes (rows of every plane, padding
+  // left out) computed from the input by the filter's formula.
+  std::function<std::vector<uint8_t>(const VideoPicture& in)> model = nullptr;
+};
+
+struct ContractRefusal {
+  const char* what;
+  ContractFrame frame;
+  // Spoils the records (a record pointer may be set to null).
+  std::function<void(VideoPicture*& in, VideoPicture*& out)> spoil;
+  int32_t status;  // the documented answer
+  // Output record fields the refusal still writes, where that is documented.
+  uint32_t writesOutput = kNoFields;
+};
+
+struct ContractSpec {
+  int32_t type;
+  // Init's record (its bytes; null when empty) and the flags to run under.
+  std::vector<uint8_t> config;
+  std::vector<uint8_t> flags = {0};
+  // Bytes of row padding in the test pictures (0 for filters that address
+  // rows by the width).
+  uint32_t pad = 8;
+  // Whether the result lands in the input (in-place filters) or the output.
+  bool resultInInput = false;
+  uint32_t writesInput = kNoFields;
+  // Per flag: what Process writes into the output record.
+  std::function<uint32_t(uint8_t flag)> writesOutput = [](uint8_t) { return kNoFields; };
+  std::vector<ContractFrame> frames;
+  std::vector<ContractRefusal> refusals;
+};
+
+// Each filter's contract file registers its spec by defining one
+// ContractRegistration at namespace scope (test programs link every object,
+// so none is dropped).
+std::vector<ContractSpec (*)()>& ContractSpecs();
+struct ContractRegistration {
+  explicit ContractRegistration(ContractSpec (*make)()) { ContractSpecs().push_back(make); }
+};
+
+}  // namespace Lumaforge::test
+
+#endif  // LUMAFORGE_TESTS_CONTRACT_FILTER_CONTRACT_H_
