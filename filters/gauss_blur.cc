@@ -141,8 +141,9 @@ int32_t CGaussBlur::Process(VideoPicture* input, VideoPicture* output) {
 
 namespace {
 constexpr uint32_t kGaussBlurFormats[] = {LF_I420, LF_YV12, LF_RGBA, LF_BGRA, LF_ABGR, LF_ARGB, LF_VYUY};
-constexpr ParamDescriptor kGaussBlurParams[] = {
-    {LF_PARAM_BLUR_SIGMA, ParamType::kFloat, kParamSet | kParamGet, "sigma", "standard deviation in pixels"}};
+constexpr ParamDescriptor kGaussBlurParams[] = {{LF_PARAM_BLUR_SIGMA, ParamType::kFloat, kParamSet | kParamGet, "sigma",
+                                                 "standard deviation in pixels (smaller values are raised to 0.5)", 0.5,
+                                                 1000}};
 }  // namespace
 
 extern const FilterDescriptor kGaussBlurDescriptor = {LF_FILTER_GAUSS_BLUR,     "GaussBlur",     "Create GaussBlur(%p)",

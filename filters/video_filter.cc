@@ -153,7 +153,8 @@ int32_t CVideoFilter::Process(VideoPicture* input, VideoPicture* /*output*/) {
 namespace {
 constexpr uint32_t kVideoFilterFormats[] = {LF_I420};
 constexpr ParamDescriptor kVideoFilterParams[] = {
-    {LF_PARAM_VIDEO_EFFECT, ParamType::kUint32, kParamSet, "effect", "a VideoEffect: 1 grey ... 5 film"}};
+    {LF_PARAM_VIDEO_EFFECT, ParamType::kUint32, kParamSet, "effect",
+     "a VideoEffect: 1 grey, 2 hue, 3 sepia, 4 tone curves, 5 film (unknown values act as grey)", 0, 5}};
 }  // namespace
 
 extern const FilterDescriptor kVideoFilterDescriptor = {

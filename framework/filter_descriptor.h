@@ -26,6 +26,8 @@ struct ParamDescriptor {
   uint8_t access;       // ParamAccess bits
   const char* name;     // a short name, as the tool's --param takes it
   const char* meaning;  // one line for help texts
+  // Numbers the filter takes as given (the meaning says what happens to others).
+  double min = 0, max = 0;
 };
 
 struct FilterDescriptor {

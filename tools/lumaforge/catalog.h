@@ -10,11 +10,14 @@
 #include <string_view>
 #include <vector>
 
+#include "framework/filter_descriptor.h"
 #include "tools/lumaforge/param_set.h"
 #include "tools/lumaforge/step.h"
 
 namespace Lumaforge::cli {
 
+// One of the tool's own options for a filter: a field of its Init record or
+// an input it needs. The library's parameters come from its descriptor.
 struct ParamInfo {
   const char* name;
   const char* fallback;  // shown by `filters`
@@ -25,14 +28,17 @@ struct FilterInfo {
   const char* name;
   int32_t type;  // the library's filter type
   const char* summary;
-  // Formats the filter takes; empty for any. Frames in another format are
-  // converted to the first one.
-  std::vector<uint32_t> formats;
-  std::vector<ParamInfo> params;
+  std::vector<ParamInfo> options;
   // Throws on parameters it cannot use.
   std::unique_ptr<Step> (*make)(const ParamSet& params, bool verbose);
 
+  // The library's own description: formats and parameters.
+  const FilterDescriptor& Descriptor() const;
+  // Whether frames of this tool format go in as they are; others are
+  // converted to PreferredFormat().
   bool Accepts(uint32_t format) const;
+  uint32_t PreferredFormat() const;
+  // An option of the tool or a parameter of the library.
   bool Takes(std::string_view param) const;
 };
 

@@ -64,7 +64,7 @@ Chain::Chain(const std::vector<std::string>& filters, const std::vector<std::str
 Frame Chain::Run(Frame frame, const std::string& where) {
   for (Link& link : links_) {
     try {
-      if (!link.info->Accepts(frame.format())) frame = converter_.To(std::move(frame), link.info->formats.front());
+      if (!link.info->Accepts(frame.format())) frame = converter_.To(std::move(frame), link.info->PreferredFormat());
       frame = link.step->Run(std::move(frame));
     } catch (const ToolError& e) {
       throw ToolError(std::string(link.info->name) + ": " + where + ": " + e.what());

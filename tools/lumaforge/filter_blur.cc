@@ -1,5 +1,6 @@
 // blur (type 25): the Gaussian blur into a new frame.
 #include "tools/lumaforge/filter_steps.h"
+#include "tools/lumaforge/library_params.h"
 
 namespace Lumaforge::cli {
 namespace {
@@ -7,9 +8,9 @@ namespace {
 class BlurStep : public Step {
  public:
   BlurStep(const ParamSet& params, bool verbose) : Step(verbose) {
-    // The filter raises anything below 0.5; asking for less is refused instead.
-    float sigma = params.Real("sigma", 5.0f, 0.5f, 1000.0f);
-    library_.Init(LF_FILTER_GAUSS_BLUR, &sigma, 0);
+    // Null keeps the filter's own sigma until --param sigma sets one.
+    library_.Init(LF_FILTER_GAUSS_BLUR, nullptr, 0);
+    ApplyLibraryParams(library_, *FindFilterDescriptor(LF_FILTER_GAUSS_BLUR), params);
   }
 
   Frame Run(Frame frame) override {

@@ -1,6 +1,7 @@
 // effect (type 22): colour effects, changing the I420 frame in place.
 #include "tools/lumaforge/errors.h"
 #include "tools/lumaforge/filter_steps.h"
+#include "tools/lumaforge/library_params.h"
 
 namespace Lumaforge::cli {
 namespace {
@@ -25,12 +26,15 @@ uint32_t EffectOf(const std::string& look) {
 
 class EffectStep : public Step {
  public:
-  EffectStep(const ParamSet& params, bool verbose) : Step(verbose), effect_(EffectOf(params.Text("look", "sepia"))) {}
+  EffectStep(const ParamSet& params, bool verbose)
+      : Step(verbose), params_(params), effect_(EffectOf(params.Text("look", "sepia"))) {}
 
   Frame Run(Frame frame) override {
     if (frame.width() != width_ || frame.height() != height_) {
       VideoFilterConfig config = {frame.width(), frame.height(), LF_I420, effect_};
       library_.Init(LF_FILTER_VIDEO_FILTER, &config, 0);
+      // An effect number given as the library's parameter overrides the look.
+      ApplyLibraryParams(library_, *FindFilterDescriptor(LF_FILTER_VIDEO_FILTER), params_);
       width_ = frame.width();
       height_ = frame.height();
     }
@@ -40,6 +44,7 @@ class EffectStep : public Step {
   }
 
  private:
+  ParamSet params_;
   uint32_t effect_;
   uint32_t width_ = 0, height_ = 0;
 };
