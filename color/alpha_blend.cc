@@ -11,15 +11,10 @@ CAlphaBlend::CAlphaBlend(uint32_t cpuFeatures) : m_uFeatures(cpuFeatures) {
   CreateLogger();
 }
 
-CAlphaBlend::~CAlphaBlend() = default;
-
-int32_t CAlphaBlend::Init(void* config, uint8_t flag) {
+int32_t CAlphaBlend::Init(void* config, uint8_t /*flag*/) {
   m_pAlphaMap = static_cast<const uint8_t*>(config);
-  m_uFlag = flag;
   return LF_OK;
 }
-
-int32_t CAlphaBlend::Uninit() { return LF_OK; }
 
 int32_t CAlphaBlend::SetParam(ParamId id, void* value) {
   return (id == 0 && value == nullptr) ? LF_OK : LF_INVALID_PARAMETER;
@@ -34,9 +29,7 @@ int32_t CAlphaBlend::Process(VideoPicture* input, VideoPicture* output) {
   AlphaBlendKernels kernels;
   InitAlphaBlendKernels(&kernels, m_uFeatures);
   if (!input || !output || !m_pAlphaMap) return LF_INVALID_PARAMETER;
-  m_uOutWidth = output->width;
-  m_uOutHeight = output->height;
-  const size_t W = m_uOutWidth, H = m_uOutHeight;
+  const size_t W = output->width, H = output->height;
 
   // The whole format word: a bottom-up output is not accepted.
   switch (output->format) {

@@ -12,12 +12,10 @@ namespace Lumaforge {
 class CAlphaBlend : public CLumaforgeFramework {
  public:
   explicit CAlphaBlend(uint32_t cpuFeatures);
-  ~CAlphaBlend() override;
 
   // `config` is the alpha map (width x height bytes of the output, rows
   // packed); it is kept, not copied.
   int32_t Init(void* config, uint8_t flag) override;
-  int32_t Uninit() override;
   // 32-bit RGB or I420/YV12 outputs; rows are addressed by the output width
   // (pictures must be tightly packed), the input is read over the output size.
   int32_t Process(VideoPicture* input, VideoPicture* output) override;
@@ -27,10 +25,7 @@ class CAlphaBlend : public CLumaforgeFramework {
 
  private:
   uint32_t m_uFeatures;
-  uint8_t m_uFlag = 0;
   const uint8_t* m_pAlphaMap = nullptr;
-  uint32_t m_uOutWidth = 0, m_uOutHeight = 0;
-  uint32_t m_uLeft = 0, m_uTop = 0;
 };
 
 }  // namespace Lumaforge

@@ -1,7 +1,5 @@
 #include "color/color_space_convertor.h"
 
-#include <cstring>
-
 #include "framework/filter_descriptor.h"
 #include "framework/formats.h"
 
@@ -89,26 +87,18 @@ bool IsDirectRgbPair(FormatGroup in, FormatGroup out) {
   return in == G::kPackedRgb24 || out == G::kPackedRgb24 || (in == G::kPlanarRgb && out == G::kPlanarRgb);
 }
 
-CColorSpaceConvertor::CColorSpaceConvertor(uint32_t cpuFeatures) : m_uFeatures(cpuFeatures) {
+CColorSpaceConvertor::CColorSpaceConvertor(uint32_t cpuFeatures) {
   // Entries 0 and 26 only copy rows; every other entry runs on the kernels
   // chosen here, so the feature word picks its variant for all of them.
-  InitColorKernels(&m_kernels, m_uFeatures);
+  InitColorKernels(&m_kernels, cpuFeatures);
   for (int32_t i = 0; i < kEntries; ++i) m_pTable[i] = kTable[i].routine;
   SetName("CSC");
   CreateLogger();
 }
 
-CColorSpaceConvertor::~CColorSpaceConvertor() = default;
-
 int32_t CColorSpaceConvertor::Init(void* /*config*/, uint8_t /*flag*/) { return LF_OK; }
 
-int32_t CColorSpaceConvertor::Uninit() { return LF_OK; }
-
-int32_t CColorSpaceConvertor::SetParam(ParamId /*id*/, void* value) {
-  if (!value) return LF_INVALID_PARAMETER;
-  std::memcpy(&m_uParameter, value, sizeof(m_uParameter));
-  return LF_OK;
-}
+int32_t CColorSpaceConvertor::SetParam(ParamId /*id*/, void* value) { return value ? LF_OK : LF_INVALID_PARAMETER; }
 
 int32_t CColorSpaceConvertor::GetParam(ParamId /*id*/, void* /*value*/) { return LF_OK; }
 

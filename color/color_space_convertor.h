@@ -24,21 +24,17 @@ class CColorSpaceConvertor : public CLumaforgeFramework {
   static constexpr int32_t kEntries = 31;
 
   explicit CColorSpaceConvertor(uint32_t cpuFeatures);
-  ~CColorSpaceConvertor() override;
 
   int32_t Init(void* config, uint8_t flag) override;
-  int32_t Uninit() override;
   // Clears bit 0 of both records' width and height in place, then converts.
   int32_t Process(VideoPicture* input, VideoPicture* output) override;
-  // Stores the 32-bit value whatever the id; no conversion reads it.
+  // Accepts any id with a value and changes nothing: no conversion has a parameter.
   int32_t SetParam(ParamId id, void* value) override;
   int32_t GetParam(ParamId id, void* value) override;
 
  private:
-  uint32_t m_uFeatures;
   ColorKernels m_kernels;
   ConversionRoutine m_pTable[kEntries];
-  uint32_t m_uParameter = 0;
 };
 
 }  // namespace Lumaforge

@@ -22,11 +22,11 @@ float* AllocateFloats(uint64_t count) {
 
 }  // namespace
 
-CGaussBlur::CGaussBlur(uint32_t cpuFeatures) : m_uCpuFeatures(cpuFeatures) {
+CGaussBlur::CGaussBlur(uint32_t cpuFeatures) {
   SetName("GaussBlur");
   CreateLogger();
   SetSigma(m_fSigma);
-  InitGaussBlurKernels(&m_kernels, m_uCpuFeatures);
+  InitGaussBlurKernels(&m_kernels, cpuFeatures);
 }
 
 CGaussBlur::~CGaussBlur() { FreeBuffers(); }
@@ -36,19 +36,15 @@ void CGaussBlur::SetSigma(float sigma) {
   m_coefficients = ComputeDericheCoefficients(m_fSigma);
 }
 
-int32_t CGaussBlur::Init(void* config, uint8_t flag) {
+int32_t CGaussBlur::Init(void* config, uint8_t /*flag*/) {
   if (config) {
     float sigma;
     std::memcpy(&sigma, config, sizeof(sigma));
     SetSigma(sigma);
   }
-  m_uFlag = flag;
   ResetTiming();
-  m_bInitialised = true;
   return LF_OK;
 }
-
-int32_t CGaussBlur::Uninit() { return LF_OK; }
 
 int32_t CGaussBlur::SetParam(ParamId id, void* value) {
   if (!value) return LF_INVALID_PARAMETER;

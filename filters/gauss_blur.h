@@ -16,10 +16,8 @@ class CGaussBlur : public CLumaforgeFramework {
   explicit CGaussBlur(uint32_t cpuFeatures);
   ~CGaussBlur() override;
 
-  // `config` points to the float sigma; null keeps the current one. The
-  // flag is stored and not otherwise used.
+  // `config` points to the float sigma; null keeps the current one.
   int32_t Init(void* config, uint8_t flag) override;
-  int32_t Uninit() override;
   // Blurs the input into the output's planes (only those pointers are
   // used): 32-bit RGB as four channels, I420/YV12 plane by plane, grey (31)
   // as one plane. Rows are width (x channels) bytes apart.
@@ -37,8 +35,6 @@ class CGaussBlur : public CLumaforgeFramework {
   bool EnsureBuffers(uint32_t channels, uint32_t width, uint32_t height);
   void FreeBuffers();
 
-  uint32_t m_uCpuFeatures;
-  uint8_t m_uFlag = 0;
   float m_fSigma = 5.0f;
   float* m_pLineBuffer = nullptr;
   float* m_pTransposed = nullptr;

@@ -26,7 +26,6 @@ int32_t CVideoFilter::Init(void* config, uint8_t /*flag*/) {
     m_uHeight = c.height;
     m_uEffect = c.effect;
   }
-  m_uFrameCount = 0;
   m_pToRgb = Yuv420ToRgb;
   m_pFromRgb = RgbToYuv420;
   InitColorKernels(&m_colorKernels, m_uCpuFeatures);
@@ -145,7 +144,6 @@ int32_t CVideoFilter::Process(VideoPicture* input, VideoPicture* /*output*/) {
   const int32_t status = EnsureWorkBuffers(input->strides[0], input->height);
   if (status != LF_OK) return status;
   RunEffect(*input);
-  ++m_uFrameCount;
   FinishFrameTiming(startUs);
   return LF_OK;
 }

@@ -38,7 +38,6 @@ class CVideoFilter : public CLumaforgeFramework {
 
   uint32_t m_uCpuFeatures;
   uint32_t m_uWidth = 0, m_uHeight = 0;
-  uint32_t m_uFrameCount = 0;
   ConversionRoutine m_pToRgb = nullptr;
   ConversionRoutine m_pFromRgb = nullptr;
   uint8_t* m_pRgbBuffer1 = nullptr;

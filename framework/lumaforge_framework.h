@@ -27,7 +27,8 @@ class CLumaforgeFramework {
   CLumaforgeFramework& operator=(const CLumaforgeFramework&) = delete;
 
   virtual int32_t Init(void* config, uint8_t flag) = 0;
-  virtual int32_t Uninit() = 0;
+  // Frees what the filter holds; filters without buffers keep this answer.
+  virtual int32_t Uninit() { return LF_OK; }
   virtual int32_t Process(VideoPicture* input, VideoPicture* output) = 0;
   virtual int32_t SetParam(ParamId id, void* value) = 0;
   virtual int32_t GetParam(ParamId id, void* value) = 0;

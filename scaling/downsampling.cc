@@ -42,11 +42,11 @@ uint32_t RoundUp(uint32_t value, uint32_t multiple) { return (value + multiple -
 
 }  // namespace
 
-CDownsampling::CDownsampling(uint32_t cpuFeatures) : m_uCpuFeatures(cpuFeatures) {
+CDownsampling::CDownsampling(uint32_t cpuFeatures) {
   SetName("Downsample");
   CreateLogger();
-  InitBoxScaleKernels(&m_box, m_uCpuFeatures);
-  InitMultiTapScaleKernels(&m_multiTap, m_uCpuFeatures);
+  InitBoxScaleKernels(&m_box, cpuFeatures);
+  InitMultiTapScaleKernels(&m_multiTap, cpuFeatures);
   MakeHalfBandTaps(m_HalfBandTaps);
   MakeFourTapPhaseTable(m_PhaseTable);
 }

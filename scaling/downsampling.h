@@ -63,7 +63,6 @@ class CDownsampling : public CLumaforgeFramework {
   void DownsampleGeneralMultiTap(const PlaneView& src, const PlaneView& dst);
 
   bool m_bCallerBuffers = false;
-  uint32_t m_uCpuFeatures;
   uint8_t* m_pSampleBlock = nullptr;
   uint32_t m_uSampleCapacity = 0;
   uint8_t* m_pSamplePlanes[2][3] = {};

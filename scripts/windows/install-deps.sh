@@ -20,8 +20,23 @@ done
 run_as_root=()
 [ "$(id -u)" -eq 0 ] || run_as_root=(sudo)
 if [ ! -f "$sources" ]; then
-  printf 'Types: deb-src\nURIs: http://deb.debian.org/debian\nSuites: bookworm\nComponents: main\nSigned-By: /usr/share/keyrings/debian-archive-keyring.gpg\n' |
-    "${run_as_root[@]}" tee "$sources" >/dev/null
+  # Source entries beside the binary ones this machine already uses for its
+  # release: the same archives, suites and components, in deb822 form.
+  codename=$(. /etc/os-release && echo "$VERSION_CODENAME")
+  entries=$(
+    for file in /etc/apt/sources.list.d/*.sources; do
+      [ -f "$file" ] || continue
+      awk -v RS= -v release="$codename" '$0 ~ ("Suites:[^\n]*" release) && /Types:[^\n]*deb/ {
+        sub(/Types:[^\n]*/, "Types: deb-src"); print; print "" }' "$file"
+    done
+    if [ -f /etc/apt/sources.list ]; then
+      awk -v release="$codename" '$1 == "deb" && $2 !~ /^\[/ && $3 ~ ("^" release) {
+        components = $4; for (i = 5; i <= NF; ++i) components = components " " $i
+        printf "Types: deb-src\nURIs: %s\nSuites: %s\nComponents: %s\n\n", $2, $3, components }' /etc/apt/sources.list
+    fi
+  )
+  [ -n "$entries" ] || { echo "no $codename archive in this machine's apt sources" >&2; exit 1; }
+  printf '%s\n' "$entries" | "${run_as_root[@]}" tee "$sources" >/dev/null
 fi
 echo "installing: ${missing[*]}"
 export DEBIAN_FRONTEND=noninteractive
