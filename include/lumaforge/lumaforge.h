@@ -80,7 +80,8 @@ enum FilterType : int32_t {
   // pictures to a smaller even size. No configuration; the Init flag 1 makes
   // the filter write into the caller's output planes (copying back when they
   // are not 16-byte aligned), 0 hands back the filter's own buffer in the
-  // output record (valid until the next Process or Uninit).
+  // output record (valid until the next Process or Uninit). Process answers
+  // 0, or -1 for any picture it refuses.
   LF_FILTER_DOWNSAMPLE = 8,
   LF_FILTER_CROP = 16,
   // Colour effects in place on I420 pictures: Init's config is a
