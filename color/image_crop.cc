@@ -3,10 +3,14 @@
 #include "framework/clock.h"
 #include "framework/filter_descriptor.h"
 #include "framework/formats.h"
+#include "framework/plane_layout.h"
 #include "framework/safe_string.h"
 
 namespace Lumaforge {
 namespace {
+
+constexpr uint32_t kCropFormats[] = {LF_I420, LF_YV12,  LF_NV12,  LF_NV21, LF_I440, LF_YUY2, LF_YVYU, LF_UYVY,
+                                     LF_VYUY, LF_RGB24, LF_BGR24, LF_RGBA, LF_BGRA, LF_ABGR, LF_ARGB};
 
 // Planes a layout does not use may be null; they stay null.
 uint8_t* Advance(uint8_t* plane, size_t bytes) { return plane ? plane + bytes : nullptr; }
@@ -90,37 +94,19 @@ int32_t CImageCrop::Process(VideoPicture* input, VideoPicture* output) {
   // The whole picture: nothing moves, and the call is not timed.
   if (m_rect.width == input->width && m_rect.height == input->height) return LF_OK;
 
-  const size_t top = m_rect.top;
-  const size_t left = m_rect.left;
-  auto offsetPlane0 = [&](size_t bytesPerPixel) {
-    uint8_t* plane0 = Advance(input->planes[0], top * input->strides[0] + left * bytesPerPixel);
-    output->planes[0] = output->planes[1] = output->planes[2] = plane0;
-  };
-  if (IsPackedRgb24(code)) {
-    offsetPlane0(3);
-  } else if (IsPackedRgb32(code)) {
-    offsetPlane0(4);
-  } else if (IsPacked422(code)) {
-    offsetPlane0(2);
-  } else if (IsPlanar420(code) || code == LF_I440) {
-    // I440 chroma keeps full width, so its column offset is not halved.
-    const size_t chromaLeft = code == LF_I440 ? left : left / 2;
-    output->planes[0] = Advance(input->planes[0], top * input->strides[0] + left);
-    for (int k = 1; k < 3; ++k)
-      output->planes[k] = Advance(input->planes[k], (top / 2) * input->strides[k] + chromaLeft);
-  } else if (IsSemiPlanar420(code)) {
-    output->planes[0] = Advance(input->planes[0], top * input->strides[0] + left);
-    output->planes[1] = output->planes[2] = Advance(input->planes[1], (top / 2) * input->strides[1] + left);
-  } else {
-    return LF_INVALID_PARAMETER;
+  // Planar RGB, among others, has no plane pointers of its own to move.
+  if (!ListsFormat(kCropFormats, code)) return LF_INVALID_PARAMETER;
+  const PlaneLayout layout = LayoutOf(code, FormatReading::kConversion, input->width, input->height);
+  for (int32_t k = 0; k < layout.planes; ++k) {
+    output->planes[k] = Advance(input->planes[k], layout.plane[k].Offset(m_rect.left, m_rect.top, input->strides[k]));
   }
+  // Formats with fewer planes repeat their last plane pointer.
+  for (int32_t k = layout.planes; k < 3; ++k) output->planes[k] = output->planes[k - 1];
   FinishFrameTiming(startUs);
   return LF_OK;
 }
 
 namespace {
-constexpr uint32_t kCropFormats[] = {LF_I420, LF_YV12,  LF_NV12,  LF_NV21, LF_I440, LF_YUY2, LF_YVYU, LF_UYVY,
-                                     LF_VYUY, LF_RGB24, LF_BGR24, LF_RGBA, LF_BGRA, LF_ABGR, LF_ARGB};
 constexpr ParamDescriptor kCropParams[] = {
     {LF_PARAM_CROP_CONFIG, ParamType::kRecord, kParamSet, "crop", "a CropConfig: mode, top, left, width, height"}};
 }  // namespace

@@ -4,6 +4,7 @@
 #ifndef LUMAFORGE_FRAMEWORK_FILTER_DESCRIPTOR_H_
 #define LUMAFORGE_FRAMEWORK_FILTER_DESCRIPTOR_H_
 
+#include <algorithm>
 #include <cstdint>
 #include <new>
 #include <span>
@@ -46,6 +47,11 @@ struct FilterDescriptor {
   // Ids beyond the manager's own and LF_PARAM_TIME_PER_FRAME.
   std::span<const ParamDescriptor> params;
 };
+
+// Whether `code` is one of a filter's `formats`.
+inline bool ListsFormat(std::span<const uint32_t> formats, uint32_t code) {
+  return std::find(formats.begin(), formats.end(), code) != formats.end();
+}
 
 // A factory for a descriptor: new (nothrow) Filter(cpuFeatures).
 template <typename Filter>

@@ -3,8 +3,10 @@
 namespace Lumaforge {
 namespace {
 
-PlaneShape Shape(uint32_t width, uint32_t height, uint32_t bytesPerSample) {
-  return {width, height, uint64_t{width} * bytesPerSample};
+PlaneShape Shape(uint32_t width, uint32_t height, uint32_t bytesPerSample, uint32_t shiftX = 0,
+                 uint32_t shiftY = 0) {
+  return {width >> shiftX, height >> shiftY, uint64_t{width >> shiftX} * bytesPerSample, bytesPerSample, shiftX,
+          shiftY};
 }
 
 PlaneLayout Packed(uint32_t w, uint32_t h, int32_t bytesPerPixel) {
@@ -48,14 +50,14 @@ PlaneLayout LayoutOf(uint32_t format, FormatReading reading, uint32_t w, uint32_
     case LF_UYVY: return Packed(w, h, 2);
     case LF_VYUY: return planes ? Packed(w, h, 1) : Packed(w, h, 2);
     case LF_I420:
-    case LF_YV12: return ThreePlanes(Shape(w, h, 1), Shape(w / 2, h / 2, 1), true);
-    case LF_I440: return ThreePlanes(Shape(w, h, 1), Shape(w, h / 2, 1), false);
+    case LF_YV12: return ThreePlanes(Shape(w, h, 1), Shape(w, h, 1, 1, 1), true);
+    case LF_I440: return ThreePlanes(Shape(w, h, 1), Shape(w, h, 1, 0, 1), false);
     case LF_NV12:
     case LF_NV21: {
       PlaneLayout l = Packed(w, h, 1);
       l.planes = 2;
       l.chroma420 = true;
-      l.plane[1] = Shape(w / 2, h / 2, 2);
+      l.plane[1] = Shape(w, h, 2, 1, 1);
       return l;
     }
     default: return {};

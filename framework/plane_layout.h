@@ -24,6 +24,13 @@ enum class FormatReading : uint8_t {
 struct PlaneShape {
   uint32_t width = 0, height = 0;  // samples (packed pixels count as one)
   uint64_t rowBytes = 0;           // bytes one row of the plane needs
+  uint32_t bytesPerSample = 0;     // bytes of one sample (pixel, or chroma pair)
+  uint32_t shiftX = 0, shiftY = 0;  // picture column x, row y lie at x >> shiftX, y >> shiftY
+
+  // Bytes from the plane's start to picture position (x, y) at `stride`.
+  uint64_t Offset(uint32_t x, uint32_t y, uint64_t stride) const {
+    return (y >> shiftY) * stride + uint64_t{x >> shiftX} * bytesPerSample;
+  }
 };
 
 struct PlaneLayout {

@@ -25,12 +25,9 @@ ContractSpec AlphaBlendContract() {
   };
   const ContractFrame bgra{LF_BGRA, 64, 48, LF_BGRA, 64, 48};
   spec.refusals = {
-      {"no input record", bgra, [](VideoPicture*& in, VideoPicture*&) { in = nullptr; }, LF_INVALID_PARAMETER},
-      {"no output record", bgra, [](VideoPicture*&, VideoPicture*& out) { out = nullptr; }, LF_INVALID_PARAMETER},
-      {"a format it does not blend",
-       {LF_NV12, 64, 48, LF_NV12, 64, 48},
-       [](VideoPicture*&, VideoPicture*&) {},
-       LF_UNSUPPORTED},
+      {"no input record", bgra, NoInput, LF_INVALID_PARAMETER},
+      {"no output record", bgra, NoOutput, LF_INVALID_PARAMETER},
+      {"a format it does not blend", {LF_NV12, 64, 48, LF_NV12, 64, 48}, AsGiven, LF_UNSUPPORTED},
       {"a bottom-up output", bgra, [](VideoPicture*&, VideoPicture*& out) { out->format |= LF_FORMAT_BOTTOM_UP; },
        LF_UNSUPPORTED},
   };

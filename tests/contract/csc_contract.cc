@@ -16,16 +16,12 @@ ContractSpec CscContract() {
   };
   const ContractFrame i420{LF_I420, 32, 16, LF_BGRA, 32, 16};
   spec.refusals = {
-      {"no input record", i420, [](VideoPicture*& in, VideoPicture*&) { in = nullptr; }, LF_INVALID_PARAMETER},
-      {"no output record", i420, [](VideoPicture*&, VideoPicture*& out) { out = nullptr; }, LF_INVALID_PARAMETER},
-      {"a missing input plane", i420, [](VideoPicture*& in, VideoPicture*&) { in->planes[1] = nullptr; },
-       LF_INVALID_PARAMETER},
+      {"no input record", i420, NoInput, LF_INVALID_PARAMETER},
+      {"no output record", i420, NoOutput, LF_INVALID_PARAMETER},
+      {"a missing input plane", i420, NoInputPlane<1>, LF_INVALID_PARAMETER},
       {"an output format outside the codes", i420, [](VideoPicture*&, VideoPicture*& out) { out->format = 0; },
        LF_UNSUPPORTED},
-      {"a pair without a conversion",
-       {LF_I440, 32, 16, LF_BGRA, 32, 16},
-       [](VideoPicture*&, VideoPicture*&) {},
-       LF_UNSUPPORTED},
+      {"a pair without a conversion", {LF_I440, 32, 16, LF_BGRA, 32, 16}, AsGiven, LF_UNSUPPORTED},
   };
   return spec;
 }

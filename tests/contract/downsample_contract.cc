@@ -44,19 +44,16 @@ ContractSpec DownsampleContract() {
   };
   const ContractFrame i420{LF_I420, 64, 64, LF_I420, 32, 32};
   spec.refusals = {
-      {"no input record", i420, [](VideoPicture*& in, VideoPicture*&) { in = nullptr; }, LF_FAILED},
-      {"no output record", i420, [](VideoPicture*&, VideoPicture*& out) { out = nullptr; }, LF_FAILED},
-      {"a missing chroma plane", i420, [](VideoPicture*& in, VideoPicture*&) { in->planes[2] = nullptr; }, LF_FAILED},
-      {"equal sizes", {LF_I420, 64, 64, LF_I420, 64, 64}, [](VideoPicture*&, VideoPicture*&) {}, LF_FAILED},
+      {"no input record", i420, NoInput, LF_FAILED},
+      {"no output record", i420, NoOutput, LF_FAILED},
+      {"a missing chroma plane", i420, NoInputPlane<2>, LF_FAILED},
+      {"equal sizes", {LF_I420, 64, 64, LF_I420, 64, 64}, AsGiven, LF_FAILED},
       {"an odd size",
        {LF_I420, 64, 64, LF_I420, 32, 30},
        [](VideoPicture*&, VideoPicture*& out) { out->height = 31; },
        LF_FAILED},
-      {"a side below 16", {LF_BGRA, 64, 64, LF_BGRA, 14, 32}, [](VideoPicture*&, VideoPicture*&) {}, LF_FAILED},
-      {"a format it does not scale",
-       {LF_NV12, 64, 64, LF_NV12, 32, 32},
-       [](VideoPicture*&, VideoPicture*&) {},
-       LF_FAILED},
+      {"a side below 16", {LF_BGRA, 64, 64, LF_BGRA, 14, 32}, AsGiven, LF_FAILED},
+      {"a format it does not scale", {LF_NV12, 64, 64, LF_NV12, 32, 32}, AsGiven, LF_FAILED},
   };
   return spec;
 }

@@ -57,6 +57,26 @@ struct ContractSpec {
   std::vector<ContractRefusal> refusals;
 };
 
+// Common ways to spoil a call's records.
+inline void NoInput(VideoPicture*& in, VideoPicture*&) { in = nullptr; }
+inline void NoOutput(VideoPicture*&, VideoPicture*& out) { out = nullptr; }
+inline void AsGiven(VideoPicture*&, VideoPicture*&) {}
+template <int kPlane>
+void NoInputPlane(VideoPicture*& in, VideoPicture*&) {
+  in->planes[kPlane] = nullptr;
+}
+template <int kPlane>
+void NoOutputPlane(VideoPicture*&, VideoPicture*& out) {
+  out->planes[kPlane] = nullptr;
+}
+
+// A configuration record as Init's bytes.
+template <typename Record>
+std::vector<uint8_t> RecordBytes(const Record& record) {
+  const auto* bytes = reinterpret_cast<const uint8_t*>(&record);
+  return {bytes, bytes + sizeof(record)};
+}
+
 // Each filter's contract file registers its spec by defining one
 // ContractRegistration at namespace scope (test programs link every object,
 // so none is dropped).

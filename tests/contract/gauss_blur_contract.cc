@@ -1,7 +1,5 @@
 // The Gaussian blur's contract: four-channel, planar and grey pictures
 // blurred into the output's planes, and the refusals of unusable records.
-#include <cstring>
-
 #include "tests/contract/filter_contract.h"
 
 namespace Lumaforge::test {
@@ -11,8 +9,7 @@ ContractSpec GaussBlurContract() {
   ContractSpec spec;
   spec.type = LF_FILTER_GAUSS_BLUR;
   const float sigma = 2.0f;
-  spec.config.resize(sizeof(sigma));
-  std::memcpy(spec.config.data(), &sigma, sizeof(sigma));
+  spec.config = RecordBytes(sigma);
   spec.pad = 0;  // rows are addressed by the width
   spec.frames = {
       {LF_BGRA, 64, 48, LF_BGRA, 64, 48},
@@ -22,13 +19,9 @@ ContractSpec GaussBlurContract() {
   };
   const ContractFrame bgra{LF_BGRA, 64, 48, LF_BGRA, 64, 48};
   spec.refusals = {
-      {"no input record", bgra, [](VideoPicture*& in, VideoPicture*&) { in = nullptr; }, LF_INVALID_PARAMETER},
-      {"no output plane", bgra, [](VideoPicture*&, VideoPicture*& out) { out->planes[0] = nullptr; },
-       LF_INVALID_PARAMETER},
-      {"a format it does not blur",
-       {LF_NV12, 64, 48, LF_NV12, 64, 48},
-       [](VideoPicture*&, VideoPicture*&) {},
-       LF_UNSUPPORTED},
+      {"no input record", bgra, NoInput, LF_INVALID_PARAMETER},
+      {"no output plane", bgra, NoOutputPlane<0>, LF_INVALID_PARAMETER},
+      {"a format it does not blur", {LF_NV12, 64, 48, LF_NV12, 64, 48}, AsGiven, LF_UNSUPPORTED},
   };
   return spec;
 }

@@ -1,7 +1,5 @@
 // The video filter's contract: effects change the I420 input in place; a
 // new size re-initialises the filter with the same effect.
-#include <cstring>
-
 #include "tests/contract/filter_contract.h"
 
 namespace Lumaforge::test {
@@ -11,8 +9,7 @@ ContractSpec VideoFilterContract() {
   ContractSpec spec;
   spec.type = LF_FILTER_VIDEO_FILTER;
   const VideoFilterConfig config{64, 48, LF_I420, LF_EFFECT_SEPIA};
-  spec.config.resize(sizeof(config));
-  std::memcpy(spec.config.data(), &config, sizeof(config));
+  spec.config = RecordBytes(config);
   spec.resultInInput = true;
   spec.frames = {
       {LF_I420, 64, 48, LF_I420, 16, 16},
@@ -21,13 +18,9 @@ ContractSpec VideoFilterContract() {
   };
   const ContractFrame i420{LF_I420, 64, 48, LF_I420, 16, 16};
   spec.refusals = {
-      {"no input record", i420, [](VideoPicture*& in, VideoPicture*&) { in = nullptr; }, LF_INVALID_PARAMETER},
-      {"a format other than I420",
-       {LF_BGRA, 64, 48, LF_BGRA, 16, 16},
-       [](VideoPicture*&, VideoPicture*&) {},
-       LF_UNSUPPORTED},
-      {"a missing chroma plane", i420, [](VideoPicture*& in, VideoPicture*&) { in->planes[2] = nullptr; },
-       LF_INVALID_PARAMETER},
+      {"no input record", i420, NoInput, LF_INVALID_PARAMETER},
+      {"a format other than I420", {LF_BGRA, 64, 48, LF_BGRA, 16, 16}, AsGiven, LF_UNSUPPORTED},
+      {"a missing chroma plane", i420, NoInputPlane<2>, LF_INVALID_PARAMETER},
   };
   return spec;
 }

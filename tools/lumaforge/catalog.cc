@@ -56,7 +56,7 @@ bool FilterInfo::Accepts(uint32_t format) const {
   // The tool's grey frames are code 31 read as one plane; a filter that
   // reads 31 as packed 4:2:2 does not take them.
   if (format == kGrey && d.reading != FormatReading::kPlanes) return false;
-  return std::find(d.formats.begin(), d.formats.end(), format) != d.formats.end();
+  return ListsFormat(d.formats, format);
 }
 
 uint32_t FilterInfo::PreferredFormat() const { return Descriptor().formats.front(); }
