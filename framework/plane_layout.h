@@ -22,9 +22,9 @@ enum class FormatReading : uint8_t {
 };
 
 struct PlaneShape {
-  uint32_t width = 0, height = 0;  // samples (packed pixels count as one)
-  uint64_t rowBytes = 0;           // bytes one row of the plane needs
-  uint32_t bytesPerSample = 0;     // bytes of one sample (pixel, or chroma pair)
+  uint32_t width = 0, height = 0;   // samples (packed pixels count as one)
+  uint64_t rowBytes = 0;            // bytes one row of the plane needs
+  uint32_t bytesPerSample = 0;      // bytes of one sample (pixel, or chroma pair)
   uint32_t shiftX = 0, shiftY = 0;  // picture column x, row y lie at x >> shiftX, y >> shiftY
 
   // Bytes from the plane's start to picture position (x, y) at `stride`.
@@ -40,18 +40,93 @@ struct PlaneLayout {
   PlaneShape plane[3];
 
   bool Known() const { return planes > 0; }
+  // Bytes of every plane with rows packed, one plane after another.
+  uint64_t PackedBytes() const {
+    uint64_t bytes = 0;
+    for (int32_t k = 0; k < planes; ++k) bytes += plane[k].rowBytes * plane[k].height;
+    return bytes;
+  }
   // Bytes a plane needs at `stride`: the last row ends after rowBytes.
   uint64_t PlaneBytes(int32_t k, uint64_t stride) const {
     return plane[k].height ? (plane[k].height - 1) * stride + plane[k].rowBytes : 0;
   }
 };
 
-// Layout of `format` (the bottom-up flag is ignored) at width x height.
-// Half-size planes truncate odd sizes.
-PlaneLayout LayoutOf(uint32_t format, FormatReading reading, uint32_t width, uint32_t height);
+namespace plane_layout_detail {
+
+inline PlaneShape Shape(uint32_t width, uint32_t height, uint32_t bytesPerSample, uint32_t shiftX = 0,
+                        uint32_t shiftY = 0) {
+  return {width >> shiftX, height >> shiftY, uint64_t{width >> shiftX} * bytesPerSample,
+          bytesPerSample,  shiftX,           shiftY};
+}
+
+inline PlaneLayout Packed(uint32_t w, uint32_t h, int32_t bytesPerPixel) {
+  PlaneLayout l;
+  l.planes = 1;
+  l.bytesPerPixel = bytesPerPixel;
+  l.plane[0] = Shape(w, h, bytesPerPixel);
+  return l;
+}
+
+inline PlaneLayout ThreePlanes(PlaneShape luma, PlaneShape chroma, bool chroma420) {
+  PlaneLayout l;
+  l.planes = 3;
+  l.bytesPerPixel = 1;
+  l.chroma420 = chroma420;
+  l.plane[0] = luma;
+  l.plane[1] = l.plane[2] = chroma;
+  return l;
+}
+
+}  // namespace plane_layout_detail
+
+// Layout of `format` (the bottom-up flag is ignored) at width x height;
+// half-size planes truncate odd sizes. Header-only, so tests and the tool
+// read formats the way the library does.
+inline PlaneLayout LayoutOf(uint32_t format, FormatReading reading, uint32_t w, uint32_t h) {
+  using namespace plane_layout_detail;
+  const bool planes = reading == FormatReading::kPlanes;
+  switch (format & LF_FORMAT_CODE_MASK) {
+    case LF_RGB24:
+    case LF_BGR24: return Packed(w, h, 3);
+    case LF_RGBA:
+    case LF_BGRA:
+    case LF_ABGR:
+    case LF_ARGB: return Packed(w, h, 4);
+    case LF_RGBP:
+    case LF_BGRP: {
+      if (planes) return ThreePlanes(Shape(w, h, 1), Shape(w, h, 1), false);
+      PlaneLayout stacked = Packed(w, h, 1);
+      stacked.plane[0].height = 3 * h;
+      return stacked;
+    }
+    case LF_YUY2:
+    case LF_YVYU:
+    case LF_UYVY: return Packed(w, h, 2);
+    case LF_VYUY: return planes ? Packed(w, h, 1) : Packed(w, h, 2);
+    case LF_I420:
+    case LF_YV12: return ThreePlanes(Shape(w, h, 1), Shape(w, h, 1, 1, 1), true);
+    case LF_I440: return ThreePlanes(Shape(w, h, 1), Shape(w, h, 1, 0, 1), false);
+    case LF_NV12:
+    case LF_NV21: {
+      PlaneLayout l = Packed(w, h, 1);
+      l.planes = 2;
+      l.chroma420 = true;
+      l.plane[1] = Shape(w, h, 2, 1, 1);
+      return l;
+    }
+    default: return {};
+  }
+}
 
 // True when every plane of `layout` has a pointer.
-bool PlanesPresent(const VideoPicture& picture, const PlaneLayout& layout);
+inline bool PlanesPresent(const VideoPicture& picture, const PlaneLayout& layout) {
+  if (!layout.Known()) return false;
+  for (int32_t k = 0; k < layout.planes; ++k) {
+    if (!picture.planes[k]) return false;
+  }
+  return true;
+}
 
 }  // namespace Lumaforge
 

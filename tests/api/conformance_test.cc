@@ -22,11 +22,10 @@ constexpr uint32_t kFormats[] = {LF_RGB24, LF_RGBA, LF_BGR24, LF_BGRA, LF_ABGR, 
 
 // FNV-1a over the bytes of every row of every plane of a picture.
 uint64_t Digest(uint64_t digest, OwnedPicture& picture) {
-  const PlaneGeometry g =
-      GeometryOf(picture.picture.format & LF_FORMAT_CODE_MASK, picture.picture.width, picture.picture.height);
+  const PlaneLayout g = GeometryOf(picture.picture.format, picture.picture.width, picture.picture.height);
   for (int k = 0; k < g.planes; ++k) {
-    for (uint32_t y = 0; y < g.rows[k]; ++y) {
-      for (uint32_t x = 0; x < g.rowBytes[k]; ++x) {
+    for (uint32_t y = 0; y < g.plane[k].height; ++y) {
+      for (uint32_t x = 0; x < g.plane[k].rowBytes; ++x) {
         digest = (digest ^ picture.At(k, x, y)) * 0x100000001b3ull;
       }
     }

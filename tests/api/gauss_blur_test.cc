@@ -32,8 +32,8 @@ struct Blur {
 
 // The blur reads code 31 as one grey plane of width bytes per row (the
 // test pictures lay it out as packed 4:2:2, twice as wide).
-PlaneGeometry BlurGeometry(uint32_t format, uint32_t w, uint32_t h) {
-  return format == LF_VYUY ? PlaneGeometry{{w}, {h}, 1} : GeometryOf(format, w, h);
+PlaneLayout BlurGeometry(uint32_t format, uint32_t w, uint32_t h) {
+  return LayoutOf(format, FormatReading::kPlanes, w, h);
 }
 
 uint8_t& GreyAt(OwnedPicture& picture, uint32_t x, uint32_t y) {
@@ -66,9 +66,9 @@ TEST(GaussBlur, ConstantPicturesStayConstantAtEveryLevel) {
         in.Fill(173);
         Blur blur(sigma);
         ASSERT_EQ(blur.Run(in, out), LF_OK);
-        const PlaneGeometry g = BlurGeometry(format, 67, 37);
+        const PlaneLayout g = BlurGeometry(format, 67, 37);
         for (int k = 0; k < g.planes; ++k) {
-          for (size_t i = 0; i < size_t{g.rowBytes[k]} * g.rows[k]; ++i) {
+          for (size_t i = 0; i < g.plane[k].rowBytes * g.plane[k].height; ++i) {
             // The recursions start in their steady state; only truncation can lose a unit.
             ASSERT_GE(out.memory[k][i], 172) << level.name << " format " << format << " plane " << k << " at " << i;
             ASSERT_LE(out.memory[k][i], 173) << level.name << " format " << format << " plane " << k << " at " << i;
@@ -115,10 +115,9 @@ TEST(GaussBlur, EveryLevelGivesTheSameBytes) {
         in.FillRandom(width * 31 + format);
         Blur blur(3.0f);
         ASSERT_EQ(blur.Run(in, out), LF_OK);
-        const PlaneGeometry g = BlurGeometry(format, width, 29);
-        const size_t bytes[3] = {size_t{g.rowBytes[0]} * g.rows[0],
-                                 g.planes == 3 ? size_t{g.rowBytes[1]} * g.rows[1] : 0,
-                                 g.planes == 3 ? size_t{g.rowBytes[2]} * g.rows[2] : 0};
+        const PlaneLayout g = BlurGeometry(format, width, 29);
+        const size_t bytes[3] = {g.plane[0].rowBytes * g.plane[0].height, g.plane[1].rowBytes * g.plane[1].height,
+                                 g.plane[2].rowBytes * g.plane[2].height};
         const std::vector<uint8_t> result = Bytes(out, bytes);
         if (first.empty()) first = result;
         EXPECT_EQ(result, first) << level.name << " format " << format << " width " << width;

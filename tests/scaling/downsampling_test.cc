@@ -293,14 +293,11 @@ TEST(DownsamplingKernels, ConstantPlanesStayConstant) {
       SplitPlanarRgb(out);
       Downsampler d(1);
       ASSERT_EQ(d.filter.Process(&in.picture, &out.picture), LF_OK) << c.W << "x" << c.H;
-      const test::PlaneGeometry g = test::GeometryOf(c.format, c.w, c.h);
-      const int planes = c.format == LF_VYUY ? 1 : g.planes;
-      const uint32_t rowBytes0 = c.format == LF_VYUY ? c.w : g.rowBytes[0];
-      for (int k = 0; k < planes; ++k) {
-        const uint32_t rows = c.format == LF_RGBP ? c.h : g.rows[k];
-        for (uint32_t y = 0; y < rows; ++y) {
+      const PlaneLayout g = LayoutOf(c.format, FormatReading::kPlanes, c.w, c.h);
+      for (int k = 0; k < g.planes; ++k) {
+        for (uint32_t y = 0; y < g.plane[k].height; ++y) {
           const uint8_t* row = out.picture.planes[k] + static_cast<size_t>(y) * out.picture.strides[k];
-          for (uint32_t x = 0; x < (k ? g.rowBytes[k] : rowBytes0); ++x) {
+          for (uint32_t x = 0; x < g.plane[k].rowBytes; ++x) {
             ASSERT_EQ(row[x], value) << c.format << " " << c.W << "x" << c.H << " -> " << c.w << "x" << c.h << " plane "
                                      << k << " at " << x << "," << y;
           }

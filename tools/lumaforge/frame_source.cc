@@ -28,7 +28,7 @@ class RawReader : public FrameSource {
     return true;
   }
 
-  uint64_t FrameCountHint() const override { return file_.Size() / LayoutOf(format_, width_, height_).Bytes(); }
+  uint64_t FrameCountHint() const override { return file_.Size() / LayoutOf(format_, width_, height_).PackedBytes(); }
 
  private:
   File file_;

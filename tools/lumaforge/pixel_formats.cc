@@ -52,27 +52,6 @@ std::string JoinedFormatNames(const std::vector<uint32_t>& codes) {
   return text;
 }
 
-Layout LayoutOf(uint32_t code, uint32_t w, uint32_t h) {
-  switch (code) {
-    case LF_RGB24:
-    case LF_BGR24: return {1, {{3 * w, h}}};
-    case LF_RGBA:
-    case LF_BGRA:
-    case LF_ARGB:
-    case LF_ABGR: return {1, {{4 * w, h}}};
-    case LF_YUY2:
-    case LF_UYVY:
-    case LF_YVYU: return {1, {{2 * w, h}}};
-    case LF_RGBP: return {3, {{w, h}, {w, h}, {w, h}}};
-    case LF_I420:
-    case LF_YV12: return {3, {{w, h}, {w / 2, h / 2}, {w / 2, h / 2}}};
-    case LF_NV12:
-    case LF_NV21: return {2, {{w, h}, {w, h / 2}}};
-    case kGrey: return {1, {{w, h}}};
-    default: return {};
-  }
-}
-
 std::string SizeText(uint32_t width, uint32_t height) { return std::to_string(width) + "x" + std::to_string(height); }
 
 std::string SizeProblem(uint32_t code, uint32_t w, uint32_t h) {

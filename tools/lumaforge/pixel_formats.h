@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "framework/plane_layout.h"
 #include "lumaforge/lumaforge.h"
 
 namespace Lumaforge::cli {
@@ -23,20 +24,11 @@ std::vector<uint32_t> AllFormats();
 // "i420, yv12, ..." for messages and help.
 std::string JoinedFormatNames(const std::vector<uint32_t>& codes);
 
-struct PlaneShape {
-  uint32_t rowBytes = 0;
-  uint32_t rows = 0;
-};
-
-// Planes in memory order, rows packed (stride = row bytes).
-struct Layout {
-  int planes = 0;
-  PlaneShape plane[3];
-  size_t PlaneBytes(int k) const { return size_t{plane[k].rowBytes} * plane[k].rows; }
-  size_t Bytes() const { return PlaneBytes(0) + PlaneBytes(1) + PlaneBytes(2); }
-};
-
-Layout LayoutOf(uint32_t code, uint32_t width, uint32_t height);
+// The tool's frames: planes in memory order, rows packed (stride = row
+// bytes), formats read as scaling reads them (grey is one plane, RGBP three).
+inline PlaneLayout LayoutOf(uint32_t code, uint32_t width, uint32_t height) {
+  return Lumaforge::LayoutOf(code, FormatReading::kPlanes, width, height);
+}
 
 // "1280x720".
 std::string SizeText(uint32_t width, uint32_t height);

@@ -93,7 +93,7 @@ bool Y4mReader::Next(Frame& frame) {
 }
 
 uint64_t Y4mReader::FrameCountHint() const {
-  const uint64_t perFrame = sizeof(kFrameLine) + LayoutOf(LF_I420, width_, height_).Bytes();
+  const uint64_t perFrame = sizeof(kFrameLine) + LayoutOf(LF_I420, width_, height_).PackedBytes();
   return file_.Size() > headerBytes_ ? (file_.Size() - headerBytes_) / perFrame : 0;
 }
 
