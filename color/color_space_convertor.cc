@@ -2,6 +2,7 @@
 
 #include "framework/filter_descriptor.h"
 #include "framework/formats.h"
+#include "framework/plane_layout.h"
 
 namespace Lumaforge {
 namespace {
@@ -50,17 +51,11 @@ constexpr TableRow kTable[CColorSpaceConvertor::kEntries] = {
 
 bool IsRgbGroup(FormatGroup g) { return g == G::kPackedRgb24 || g == G::kPackedRgb32 || g == G::kPlanarRgb; }
 
+// Every plane the input's layout has must be there. Codes without a layout
+// of their own are read as I440 (three planes, chroma full width, half height).
 bool HasPlanes(const VideoPicture& p, FormatGroup group) {
-  switch (group) {
-    case G::kPackedRgb24:
-    case G::kPackedRgb32:
-    case G::kPlanarRgb:
-    case G::kPacked422: return p.planes[0] != nullptr;
-    case G::kSemiPlanar420: return p.planes[0] && p.planes[1];
-    case G::kPlanar420:
-    case G::kOther: break;
-  }
-  return p.planes[0] && p.planes[1] && p.planes[2];
+  const uint32_t code = group == G::kOther ? LF_I440 : FormatCode(p.format);
+  return PlanesPresent(p, LayoutOf(code, FormatReading::kConversion, p.width, p.height));
 }
 
 }  // namespace
