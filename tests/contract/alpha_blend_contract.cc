@@ -5,33 +5,26 @@
 namespace Lumaforge::test {
 namespace {
 
+void BottomUpOutput(VideoPicture*&, VideoPicture*& out) { out->format |= LF_FORMAT_BOTTOM_UP; }
+
 ContractSpec AlphaBlendContract() {
-  ContractSpec spec;
-  spec.type = LF_FILTER_ALPHA_BLEND;
   // The map is indexed by the output's width, rows packed: one map covers
   // every picture up to its size.
-  spec.config.resize(200 * 120);
+  std::vector<uint8_t> alphaMap(200 * 120);
   uint32_t seed = 3;
-  for (uint8_t& a : spec.config) {
+  for (uint8_t& a : alphaMap) {
     seed = seed * 1664525u + 1013904223u;
     a = static_cast<uint8_t>(seed >> 24);
   }
-  spec.pad = 0;  // rows are addressed by the width
-  spec.frames = {
-      {LF_BGRA, 64, 48, LF_BGRA, 64, 48},
-      {LF_I420, 200, 120, LF_I420, 200, 120},
-      {LF_YV12, 34, 17, LF_YV12, 34, 17},
-      {LF_ARGB, 3, 5, LF_ARGB, 3, 5},
-  };
-  const ContractFrame bgra{LF_BGRA, 64, 48, LF_BGRA, 64, 48};
-  spec.refusals = {
-      {"no input record", bgra, NoInput, LF_INVALID_PARAMETER},
-      {"no output record", bgra, NoOutput, LF_INVALID_PARAMETER},
-      {"a format it does not blend", {LF_NV12, 64, 48, LF_NV12, 64, 48}, AsGiven, LF_UNSUPPORTED},
-      {"a bottom-up output", bgra, [](VideoPicture*&, VideoPicture*& out) { out->format |= LF_FORMAT_BOTTOM_UP; },
-       LF_UNSUPPORTED},
-  };
-  return spec;
+  const ContractFrame bgra = Same(LF_BGRA, 64, 48);
+  return {.type = LF_FILTER_ALPHA_BLEND,
+          .config = alphaMap,
+          .pad = 0,  // rows are addressed by the width
+          .frames = {bgra, Same(LF_I420, 200, 120), Same(LF_YV12, 34, 17), Same(LF_ARGB, 3, 5)},
+          .refusals = {{"no input record", bgra, NoInput, LF_INVALID_PARAMETER},
+                       {"no output record", bgra, NoOutput, LF_INVALID_PARAMETER},
+                       {"a format it does not blend", Same(LF_NV12, 64, 48), AsGiven, LF_UNSUPPORTED},
+                       {"a bottom-up output", bgra, BottomUpOutput, LF_UNSUPPORTED}}};
 }
 
 const ContractRegistration kRegistration(AlphaBlendContract);

@@ -25,37 +25,31 @@ std::vector<uint8_t> PackedHalving(const VideoPicture& in, uint32_t bytesPerPixe
   return out;
 }
 
+void OddOutputHeight(VideoPicture*&, VideoPicture*& out) { out->height = 31; }
+
 ContractSpec DownsampleContract() {
-  ContractSpec spec;
-  spec.type = LF_FILTER_DOWNSAMPLE;
-  spec.flags = {0, 1};
-  // Mode 0 hands back the filter's own planes.
-  spec.writesOutput = [](uint8_t flag) { return flag ? kNoFields : kPlaneFields; };
   const auto halving = [](uint32_t k) { return [k](const VideoPicture& in) { return PackedHalving(in, k); }; };
-  spec.frames = {
-      {LF_BGRA, 36, 36, LF_BGRA, 18, 18, halving(4)},
-      {LF_RGB24, 76, 44, LF_RGB24, 38, 22, halving(3)},
-      {LF_ARGB, 200, 120, LF_ARGB, 120, 80},
-      {LF_I420, 1280, 720, LF_I420, 320, 180},
-      {LF_VYUY, 640, 360, LF_VYUY, 400, 200},
-      {LF_RGBP, 320, 240, LF_RGBP, 160, 120},
-      {LF_I420, 64, 64, LF_I420, 32, 32},
-      {LF_RGB24, 96, 64, LF_RGB24, 64, 48},
-  };
   const ContractFrame i420{LF_I420, 64, 64, LF_I420, 32, 32};
-  spec.refusals = {
-      {"no input record", i420, NoInput, LF_FAILED},
-      {"no output record", i420, NoOutput, LF_FAILED},
-      {"a missing chroma plane", i420, NoInputPlane<2>, LF_FAILED},
-      {"equal sizes", {LF_I420, 64, 64, LF_I420, 64, 64}, AsGiven, LF_FAILED},
-      {"an odd size",
-       {LF_I420, 64, 64, LF_I420, 32, 30},
-       [](VideoPicture*&, VideoPicture*& out) { out->height = 31; },
-       LF_FAILED},
-      {"a side below 16", {LF_BGRA, 64, 64, LF_BGRA, 14, 32}, AsGiven, LF_FAILED},
-      {"a format it does not scale", {LF_NV12, 64, 64, LF_NV12, 32, 32}, AsGiven, LF_FAILED},
-  };
-  return spec;
+  // Every refusal is answered -1.
+  return {.type = LF_FILTER_DOWNSAMPLE,
+          .flags = {0, 1},
+          // Mode 0 hands back the filter's own planes.
+          .writesOutput = [](uint8_t flag) { return flag ? kNoFields : kPlaneFields; },
+          .frames = {{LF_BGRA, 36, 36, LF_BGRA, 18, 18, halving(4)},
+                     {LF_RGB24, 76, 44, LF_RGB24, 38, 22, halving(3)},
+                     {LF_ARGB, 200, 120, LF_ARGB, 120, 80},
+                     {LF_I420, 1280, 720, LF_I420, 320, 180},
+                     {LF_VYUY, 640, 360, LF_VYUY, 400, 200},
+                     {LF_RGBP, 320, 240, LF_RGBP, 160, 120},
+                     i420,
+                     {LF_RGB24, 96, 64, LF_RGB24, 64, 48}},
+          .refusals = {{"no input record", i420, NoInput, LF_FAILED},
+                       {"no output record", i420, NoOutput, LF_FAILED},
+                       {"a missing chroma plane", i420, NoInputPlane<2>, LF_FAILED},
+                       {"equal sizes", Same(LF_I420, 64, 64), AsGiven, LF_FAILED},
+                       {"an odd size", {LF_I420, 64, 64, LF_I420, 32, 30}, OddOutputHeight, LF_FAILED},
+                       {"a side below 16", {LF_BGRA, 64, 64, LF_BGRA, 14, 32}, AsGiven, LF_FAILED},
+                       {"a format it does not scale", {LF_NV12, 64, 64, LF_NV12, 32, 32}, AsGiven, LF_FAILED}}};
 }
 
 const ContractRegistration kRegistration(DownsampleContract);

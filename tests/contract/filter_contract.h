@@ -30,6 +30,11 @@ struct ContractFrame {
   std::function<std::vector<uint8_t>(const VideoPicture& in)> model = nullptr;
 };
 
+// A frame whose output record has the input's format and size.
+inline ContractFrame Same(uint32_t format, uint32_t width, uint32_t height) {
+  return {format, width, height, format, width, height};
+}
+
 struct ContractRefusal {
   const char* what;
   ContractFrame frame;
@@ -41,9 +46,9 @@ struct ContractRefusal {
 };
 
 struct ContractSpec {
-  int32_t type;
+  int32_t type = 0;
   // Init's record (its bytes; null when empty) and the flags to run under.
-  std::vector<uint8_t> config;
+  std::vector<uint8_t> config = {};
   std::vector<uint8_t> flags = {0};
   // Bytes of row padding in the test pictures (0 for filters that address
   // rows by the width).
@@ -53,8 +58,8 @@ struct ContractSpec {
   uint32_t writesInput = kNoFields;
   // Per flag: what Process writes into the output record.
   std::function<uint32_t(uint8_t flag)> writesOutput = [](uint8_t) { return kNoFields; };
-  std::vector<ContractFrame> frames;
-  std::vector<ContractRefusal> refusals;
+  std::vector<ContractFrame> frames = {};
+  std::vector<ContractRefusal> refusals = {};
 };
 
 // Common ways to spoil a call's records.

@@ -6,24 +6,14 @@ namespace Lumaforge::test {
 namespace {
 
 ContractSpec GaussBlurContract() {
-  ContractSpec spec;
-  spec.type = LF_FILTER_GAUSS_BLUR;
-  const float sigma = 2.0f;
-  spec.config = RecordBytes(sigma);
-  spec.pad = 0;  // rows are addressed by the width
-  spec.frames = {
-      {LF_BGRA, 64, 48, LF_BGRA, 64, 48},
-      {LF_I420, 80, 60, LF_I420, 80, 60},
-      {LF_VYUY, 37, 19, LF_VYUY, 37, 19},
-      {LF_ABGR, 130, 7, LF_ABGR, 130, 7},
-  };
-  const ContractFrame bgra{LF_BGRA, 64, 48, LF_BGRA, 64, 48};
-  spec.refusals = {
-      {"no input record", bgra, NoInput, LF_INVALID_PARAMETER},
-      {"no output plane", bgra, NoOutputPlane<0>, LF_INVALID_PARAMETER},
-      {"a format it does not blur", {LF_NV12, 64, 48, LF_NV12, 64, 48}, AsGiven, LF_UNSUPPORTED},
-  };
-  return spec;
+  const ContractFrame bgra = Same(LF_BGRA, 64, 48);
+  return {.type = LF_FILTER_GAUSS_BLUR,
+          .config = RecordBytes(2.0f),
+          .pad = 0,  // rows are addressed by the width
+          .frames = {bgra, Same(LF_I420, 80, 60), Same(LF_VYUY, 37, 19), Same(LF_ABGR, 130, 7)},
+          .refusals = {{"no input record", bgra, NoInput, LF_INVALID_PARAMETER},
+                       {"no output plane", bgra, NoOutputPlane<0>, LF_INVALID_PARAMETER},
+                       {"a format it does not blur", Same(LF_NV12, 64, 48), AsGiven, LF_UNSUPPORTED}}};
 }
 
 const ContractRegistration kRegistration(GaussBlurContract);

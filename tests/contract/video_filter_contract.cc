@@ -6,23 +6,17 @@ namespace Lumaforge::test {
 namespace {
 
 ContractSpec VideoFilterContract() {
-  ContractSpec spec;
-  spec.type = LF_FILTER_VIDEO_FILTER;
-  const VideoFilterConfig config{64, 48, LF_I420, LF_EFFECT_SEPIA};
-  spec.config = RecordBytes(config);
-  spec.resultInInput = true;
-  spec.frames = {
-      {LF_I420, 64, 48, LF_I420, 16, 16},
-      {LF_I420, 320, 240, LF_I420, 16, 16},
-      {LF_I420, 66, 50, LF_I420, 16, 16},
+  // The output record is not used; it only has to exist.
+  const auto frame = [](uint32_t format, uint32_t width, uint32_t height) {
+    return ContractFrame{format, width, height, LF_I420, 16, 16};
   };
-  const ContractFrame i420{LF_I420, 64, 48, LF_I420, 16, 16};
-  spec.refusals = {
-      {"no input record", i420, NoInput, LF_INVALID_PARAMETER},
-      {"a format other than I420", {LF_BGRA, 64, 48, LF_BGRA, 16, 16}, AsGiven, LF_UNSUPPORTED},
-      {"a missing chroma plane", i420, NoInputPlane<2>, LF_INVALID_PARAMETER},
-  };
-  return spec;
+  return {.type = LF_FILTER_VIDEO_FILTER,
+          .config = RecordBytes(VideoFilterConfig{64, 48, LF_I420, LF_EFFECT_SEPIA}),
+          .resultInInput = true,
+          .frames = {frame(LF_I420, 64, 48), frame(LF_I420, 320, 240), frame(LF_I420, 66, 50)},
+          .refusals = {{"no input record", frame(LF_I420, 64, 48), NoInput, LF_INVALID_PARAMETER},
+                       {"a format other than I420", frame(LF_BGRA, 64, 48), AsGiven, LF_UNSUPPORTED},
+                       {"a missing chroma plane", frame(LF_I420, 64, 48), NoInputPlane<2>, LF_INVALID_PARAMETER}}};
 }
 
 const ContractRegistration kRegistration(VideoFilterContract);
