@@ -95,8 +95,8 @@ bool CGaussBlur::Blur(const uint8_t* src, uint8_t* dst, uint32_t channels, uint3
   if (!EnsureBuffers(channels, width, height)) return false;
   const auto w = static_cast<int32_t>(width), h = static_cast<int32_t>(height);
   const ptrdiff_t stride = static_cast<ptrdiff_t>(width) * channels;
-  GaussRowPassFn rowPass = channels == 4 ? m_kernels.rowPass4 : m_kernels.rowPass1;
-  GaussColumnPassFn columnPass = channels == 4 ? m_kernels.columnPass4 : m_kernels.columnPass1;
+  GaussRowPassKernel* rowPass = channels == 4 ? m_kernels.rowPass4 : m_kernels.rowPass1;
+  GaussColumnPassKernel* columnPass = channels == 4 ? m_kernels.columnPass4 : m_kernels.columnPass1;
   rowPass(src, stride, w, h, m_coefficients, m_pLineBuffer, m_pTransposed);
   columnPass(m_pTransposed, w, h, m_coefficients, m_pLineBuffer, dst, stride);
   return true;

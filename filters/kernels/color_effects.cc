@@ -1,17 +1,18 @@
 #include "filters/kernels/color_effects.h"
 
 #include "framework/cpu_features.h"
+#include "framework/kernel_family.h"
 
 namespace Lumaforge {
 
 void InitColorEffectKernels(ColorEffectKernels* kernels, uint32_t cpuFeatures) {
-  kernels->rotateHue = RotateHue_c;
-  kernels->sepia = Sepia_c;
-#define INSTALL(level)                   \
-  kernels->rotateHue = level::RotateHue; \
-  kernels->sepia = level::Sepia;
-  LUMAFORGE_INSTALL_LADDER(cpuFeatures, INSTALL);
-#undef INSTALL
+  *kernels = {RotateHue_c, Sepia_c};
+  ClimbLadder(kernels, cpuFeatures,
+              {{kCpuSSE2, sse2::InstallColorEffectKernels},
+               {kCpuSSSE3, ssse3::InstallColorEffectKernels},
+               {kCpuSSE42, sse42::InstallColorEffectKernels},
+               {kCpuAVX, avx::InstallColorEffectKernels},
+               {kCpuAVX2, avx2::InstallColorEffectKernels}});
 }
 
 }  // namespace Lumaforge

@@ -1,15 +1,12 @@
 // Per-sample kernels of the video filter's colour effects.
 //
 // Counts are samples (hue) or pixels (sepia); any count >= 0. Vector
-// variants finish with the plain routine and never touch bytes past the
-// count.
+// variants never touch bytes past the count.
 #ifndef LUMAFORGE_FILTERS_KERNELS_COLOR_EFFECTS_H_
 #define LUMAFORGE_FILTERS_KERNELS_COLOR_EFFECTS_H_
 
 #include <cstddef>
 #include <cstdint>
-
-#include "framework/simd_levels.h"
 
 namespace Lumaforge {
 
@@ -17,26 +14,38 @@ namespace Lumaforge {
 // U' = trunc(clamp(u c + v s + 128, 0, 255)), V' = trunc(clamp(v c - u s + 128,
 // 0, 255)) with u = U - 128, v = V - 128, evaluated left to right; c and s
 // are a rotation's cosine and sine (|c|, |s| <= 1).
-using RotateHueFn = void (*)(uint8_t* u, uint8_t* v, size_t count, float c, float s);
+using RotateHueKernel = void(uint8_t* u, uint8_t* v, size_t count, float c, float s);
 // Sepia tone from R, G, B triplets to R, G, B triplets (in may equal out):
 // min((101 R + 197 G + 48 B + 128) >> 8, 255), min((89 R + 176 G + 43 B + 128) >> 8, 255),
 // (70 R + 137 G + 34 B + 128) >> 8.
-using SepiaFn = void (*)(const uint8_t* in, uint8_t* out, size_t pixels);
+using SepiaKernel = void(const uint8_t* in, uint8_t* out, size_t pixels);
 
 struct ColorEffectKernels {
-  RotateHueFn rotateHue;
-  SepiaFn sepia;
+  RotateHueKernel* rotateHue;
+  SepiaKernel* sepia;
 };
 
+// Plain routines, then the best variant the feature word allows.
 void InitColorEffectKernels(ColorEffectKernels* kernels, uint32_t cpuFeatures);
 
-#define LUMAFORGE_COLOR_EFFECT_KERNELS                                    \
-  void RotateHue(uint8_t* u, uint8_t* v, size_t count, float c, float s); \
-  void Sepia(const uint8_t* in, uint8_t* out, size_t pixels);
+RotateHueKernel RotateHue_c;
+SepiaKernel Sepia_c;
 
-void RotateHue_c(uint8_t* u, uint8_t* v, size_t count, float c, float s);
-void Sepia_c(const uint8_t* in, uint8_t* out, size_t pixels);
-LUMAFORGE_DECLARE_FOR_EACH_LEVEL(LUMAFORGE_COLOR_EFFECT_KERNELS)
+namespace sse2 {
+void InstallColorEffectKernels(ColorEffectKernels* kernels);
+}  // namespace sse2
+namespace ssse3 {
+void InstallColorEffectKernels(ColorEffectKernels* kernels);
+}  // namespace ssse3
+namespace sse42 {
+void InstallColorEffectKernels(ColorEffectKernels* kernels);
+}  // namespace sse42
+namespace avx {
+void InstallColorEffectKernels(ColorEffectKernels* kernels);
+}  // namespace avx
+namespace avx2 {
+void InstallColorEffectKernels(ColorEffectKernels* kernels);
+}  // namespace avx2
 
 }  // namespace Lumaforge
 

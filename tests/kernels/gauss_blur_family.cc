@@ -24,17 +24,17 @@ std::vector<float> LineBuffer(const Shape& s) {
   return std::vector<float>(static_cast<size_t>(std::max(s.width, s.height)) * kGaussLineFloatsPerSample);
 }
 
-KernelEntry<Table> RowEntry(const char* name, GaussRowPassFn Table::*member, int32_t channels) {
+KernelEntry<Table> RowEntry(const char* name, GaussRowPassKernel* Table::*member, int32_t channels) {
   ShapeRules rules;
   rules.maxHeight = 35;  // several blocks of rows side by side, and leftovers
   rules.misalignMultiple = 4;
-  return Entry<Table, GaussRowPassFn>(
+  return Entry<Table, GaussRowPassKernel*>(
       name, member,
       [=](const Shape& s, Buffers& b) {
         b.AddInput("src", s.width * channels, s.height);
         b.AddOutput("transposed", s.width * s.height * channels * 4, 1);
       },
-      [=](GaussRowPassFn kernel, Buffers& b) {
+      [=](GaussRowPassKernel* kernel, Buffers& b) {
         const Shape& s = b.GetShape();
         std::vector<float> line = LineBuffer(s);
         kernel(b[0].Row(0), b[0].Stride(), s.width, s.height, CoefficientsFor(s), line.data(),
@@ -52,17 +52,17 @@ void FillTransposed(Plane& plane) {
   std::memcpy(bytes, values.data(), count * 4);
 }
 
-KernelEntry<Table> ColumnEntry(const char* name, GaussColumnPassFn Table::*member, int32_t channels) {
+KernelEntry<Table> ColumnEntry(const char* name, GaussColumnPassKernel* Table::*member, int32_t channels) {
   ShapeRules rules;
   rules.maxHeight = 19;  // past two blocks of eight rows in the vector column passes
   rules.misalignMultiple = 4;
-  return Entry<Table, GaussColumnPassFn>(
+  return Entry<Table, GaussColumnPassKernel*>(
       name, member,
       [=](const Shape& s, Buffers& b) {
         FillTransposed(b.AddInput("transposed", s.width * s.height * channels * 4, 1));
         b.AddOutput("dst", s.width * channels, s.height);
       },
-      [=](GaussColumnPassFn kernel, Buffers& b) {
+      [=](GaussColumnPassKernel* kernel, Buffers& b) {
         const Shape& s = b.GetShape();
         std::vector<float> line = LineBuffer(s);
         kernel(reinterpret_cast<const float*>(b[0].Row(0)), s.width, s.height, CoefficientsFor(s), line.data(),

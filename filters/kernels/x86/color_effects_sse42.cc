@@ -1,2 +1,9 @@
-#define LUMAFORGE_SIMD_LEVEL sse42
-#include "filters/kernels/x86/color_effects_128.h"
+#include "filters/kernels/x86/color_effects_simd.h"
+
+namespace Lumaforge::sse42 {
+
+// Sepia gathers its channels with blendv here; the hue rotation gains
+// nothing and stays with SSE2.
+void InstallColorEffectKernels(ColorEffectKernels* kernels) { kernels->sepia = x86::Sepia<x86::Effects128>; }
+
+}  // namespace Lumaforge::sse42

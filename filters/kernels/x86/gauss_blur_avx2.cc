@@ -1,197 +1,18 @@
-// 256-bit Gaussian passes.
-//
-// Four channels: a ymm holds one pixel of two lines, two rows in the row
-// pass (which is also how two neighbouring rows sit in the transposed image)
-// or two columns in the column pass. One channel: a ymm holds one sample of
-// eight lines, moved in and out with 8x8 transposes. Up to four vectors run
-// side by side so that their recursion chains overlap. Every step is the
-// plain ((p0 * x0 + p1 * x1) - b1 * y1) - b2 * y2 with separate multiplies
-// and adds in that order (no FMA), hence the plain floats bit for bit.
-#include <immintrin.h>
+// AVX2 Gaussian passes: the four-channel body of gauss_blur_simd.h at 256
+// bits, and the one-channel passes, where a ymm holds one sample of eight
+// lines, moved in and out with 8x8 transposes.
+#include "filters/kernels/x86/gauss_blur_simd.h"
 
-#include <algorithm>
-#include <cstring>
-
-#include "filters/kernels/gauss_blur.h"
-
-namespace Lumaforge::avx2 {
+namespace Lumaforge::x86 {
 namespace {
 
-// Vectors per block and line-buffer floats per position they fill.
-constexpr int32_t kChains = 4;
-constexpr int32_t kLineStride = kChains * 8;
+using Wide = Floats256;
+// Line-buffer floats per position a block fills.
+constexpr int32_t kLineStride = kChains * Wide::kFloats;
 static_assert(kLineStride <= static_cast<int32_t>(kGaussLineFloatsPerSample));
 
-struct Coefficients256 {
-  explicit Coefficients256(const DericheCoefficients& k)
-      : a0(_mm256_set1_ps(k.a0)),
-        a1(_mm256_set1_ps(k.a1)),
-        a2(_mm256_set1_ps(k.a2)),
-        a3(_mm256_set1_ps(k.a3)),
-        b1(_mm256_set1_ps(k.b1)),
-        b2(_mm256_set1_ps(k.b2)),
-        coefp(_mm256_set1_ps(k.coefp)),
-        coefn(_mm256_set1_ps(k.coefn)) {}
-  __m256 a0, a1, a2, a3, b1, b2, coefp, coefn;
-};
-
-inline __m256 Step(__m256 p0, __m256 x0, __m256 p1, __m256 x1, __m256 b1, __m256 y1, __m256 b2, __m256 y2) {
-  const __m256 feed = _mm256_add_ps(_mm256_mul_ps(p0, x0), _mm256_mul_ps(p1, x1));
-  return _mm256_sub_ps(_mm256_sub_ps(feed, _mm256_mul_ps(b1, y1)), _mm256_mul_ps(b2, y2));
-}
-
-inline __m256 Load(const float* p) { return _mm256_loadu_ps(p); }
-inline void Store(float* p, __m256 v) { _mm256_storeu_ps(p, v); }
-
-// Four floats from a, four from b.
-inline __m256 LoadHalves(const float* a, const float* b) {
-  return _mm256_insertf128_ps(_mm256_castps128_ps256(_mm_loadu_ps(a)), _mm_loadu_ps(b), 1);
-}
-
-// cvtt truncates toward zero like the plain int32 cast; the mask keeps its
-// low byte, and values 0..255 pass both saturating packs unchanged, so the
-// bytes equal (uint8_t)(int32_t)v.
-inline __m256i LowBytes(__m256 v) { return _mm256_and_si256(_mm256_cvttps_epi32(v), _mm256_set1_epi32(0xFF)); }
-
-inline void Store8Bytes(uint8_t* dst, __m256 v) {
-  const __m256i b = LowBytes(v);
-  const __m128i words = _mm_packs_epi32(_mm256_castsi256_si128(b), _mm256_extracti128_si256(b, 1));
-  _mm_storel_epi64(reinterpret_cast<__m128i*>(dst), _mm_packus_epi16(words, words));
-}
-
-// The bytes of `chains` vectors, one after the other, in lane order.
-template <int32_t chains>
-inline void StoreBytes(uint8_t* dst, const __m256* sums) {
-  if constexpr (chains == kChains) {
-    // The packs work per 128-bit lane: dword i of `packed` holds four bytes
-    // of vector i & 3, half i >> 2; the permute restores vector order.
-    const __m256i w01 = _mm256_packs_epi32(LowBytes(sums[0]), LowBytes(sums[1]));
-    const __m256i w23 = _mm256_packs_epi32(LowBytes(sums[2]), LowBytes(sums[3]));
-    const __m256i packed = _mm256_packus_epi16(w01, w23);
-    _mm256_storeu_si256(reinterpret_cast<__m256i*>(dst),
-                        _mm256_permutevar8x32_epi32(packed, _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7)));
-  } else {
-    for (int32_t c = 0; c < chains; ++c) Store8Bytes(dst + 8 * c, sums[c]);
-  }
-}
-
-// ---------------------------------------------------------------------------
-// Four channels.
-
-// The four-byte pixels at a and b (the same pixel of two rows) as floats.
-inline __m256 LoadPixelPair(const uint8_t* a, const uint8_t* b) {
-  int32_t bitsA, bitsB;
-  std::memcpy(&bitsA, a, 4);
-  std::memcpy(&bitsB, b, 4);
-  const __m128i pair = _mm_unpacklo_epi32(_mm_cvtsi32_si128(bitsA), _mm_cvtsi32_si128(bitsB));
-  return _mm256_cvtepi32_ps(_mm256_cvtepu8_epi32(pair));
-}
-
-// Rows y0 .. y0 + 2 * chains - 1. Rows y and y + 1 of pixel x are eight
-// consecutive floats of the transposed image, so one vector is one store.
-// The causal pass keeps the converted pixels in the line buffer for the
-// anti-causal pass.
-template <int32_t chains>
-void RowBlock4(const uint8_t* src, ptrdiff_t srcStride, int32_t width, int32_t height, int32_t y0,
-               const Coefficients256& k, float* line, float* transposed) {
-  const uint8_t* rows[2 * chains];
-  for (int32_t r = 0; r < 2 * chains; ++r) rows[r] = src + (y0 + r) * srcStride;
-  float* const out = transposed + static_cast<size_t>(y0) * 4;
-  const size_t pitch = static_cast<size_t>(height) * 4;
-
-  __m256 xp[chains], yp[chains], yb[chains];
-#pragma GCC unroll 4
-  for (int32_t c = 0; c < chains; ++c) {
-    xp[c] = LoadPixelPair(rows[2 * c], rows[2 * c + 1]);
-    yp[c] = _mm256_mul_ps(k.coefp, xp[c]);
-    yb[c] = yp[c];
-  }
-  for (int32_t x = 0; x < width; ++x) {
-#pragma GCC unroll 4
-    for (int32_t c = 0; c < chains; ++c) {
-      const __m256 xv = LoadPixelPair(rows[2 * c] + 4 * x, rows[2 * c + 1] + 4 * x);
-      Store(line + x * kLineStride + 8 * c, xv);
-      const __m256 v = Step(k.a0, xv, k.a1, xp[c], k.b1, yp[c], k.b2, yb[c]);
-      Store(out + x * pitch + 8 * c, v);
-      xp[c] = xv;
-      yb[c] = yp[c];
-      yp[c] = v;
-    }
-  }
-
-  // Anti-causal: step x reads pixels x + 1 and x + 2, both clamped to the
-  // last one, which is where the plain recursion starts.
-  const int32_t last = width - 1;
-#pragma GCC unroll 4
-  for (int32_t c = 0; c < chains; ++c) {
-    yp[c] = _mm256_mul_ps(k.coefn, Load(line + last * kLineStride + 8 * c));
-    yb[c] = yp[c];
-  }
-  for (int32_t x = last; x >= 0; --x) {
-    const float* xn = line + std::min(x + 1, last) * kLineStride;
-    const float* xa = line + std::min(x + 2, last) * kLineStride;
-#pragma GCC unroll 4
-    for (int32_t c = 0; c < chains; ++c) {
-      const __m256 v = Step(k.a2, Load(xn + 8 * c), k.a3, Load(xa + 8 * c), k.b1, yp[c], k.b2, yb[c]);
-      float* o = out + x * pitch + 8 * c;
-      Store(o, _mm256_add_ps(Load(o), v));
-      yb[c] = yp[c];
-      yp[c] = v;
-    }
-  }
-}
-
-// Columns x0 .. x0 + 2 * chains - 1, two per vector, read straight from
-// their transposed lines; the causal results wait in the line buffer.
-template <int32_t chains>
-void ColumnBlock4(const float* transposed, int32_t height, int32_t x0, const Coefficients256& k, float* line,
-                  uint8_t* dst, ptrdiff_t dstStride) {
-  const float* cols[2 * chains];
-  for (int32_t c = 0; c < 2 * chains; ++c) cols[c] = transposed + static_cast<size_t>(x0 + c) * height * 4;
-
-  __m256 yp[chains], yb[chains];
-#pragma GCC unroll 4
-  for (int32_t c = 0; c < chains; ++c) {
-    yp[c] = _mm256_mul_ps(k.coefp, LoadHalves(cols[2 * c], cols[2 * c + 1]));
-    yb[c] = yp[c];
-  }
-  for (int32_t y = 0; y < height; ++y) {
-    const int32_t at = y * 4, previous = std::max(y - 1, 0) * 4;
-#pragma GCC unroll 4
-    for (int32_t c = 0; c < chains; ++c) {
-      const __m256 xv = LoadHalves(cols[2 * c] + at, cols[2 * c + 1] + at);
-      const __m256 xpv = LoadHalves(cols[2 * c] + previous, cols[2 * c + 1] + previous);
-      const __m256 v = Step(k.a0, xv, k.a1, xpv, k.b1, yp[c], k.b2, yb[c]);
-      Store(line + y * kLineStride + 8 * c, v);
-      yb[c] = yp[c];
-      yp[c] = v;
-    }
-  }
-
-  const int32_t last = height - 1;
-#pragma GCC unroll 4
-  for (int32_t c = 0; c < chains; ++c) {
-    yp[c] = _mm256_mul_ps(k.coefn, LoadHalves(cols[2 * c] + last * 4, cols[2 * c + 1] + last * 4));
-    yb[c] = yp[c];
-  }
-  for (int32_t y = last; y >= 0; --y) {
-    const int32_t xn = std::min(y + 1, last) * 4, xa = std::min(y + 2, last) * 4;
-    __m256 sums[chains];
-#pragma GCC unroll 4
-    for (int32_t c = 0; c < chains; ++c) {
-      const __m256 xnv = LoadHalves(cols[2 * c] + xn, cols[2 * c + 1] + xn);
-      const __m256 xav = LoadHalves(cols[2 * c] + xa, cols[2 * c + 1] + xa);
-      const __m256 v = Step(k.a2, xnv, k.a3, xav, k.b1, yp[c], k.b2, yb[c]);
-      sums[c] = _mm256_add_ps(Load(line + y * kLineStride + 8 * c), v);
-      yb[c] = yp[c];
-      yp[c] = v;
-    }
-    StoreBytes<chains>(dst + y * dstStride + x0 * 4, sums);
-  }
-}
-
-// ---------------------------------------------------------------------------
-// One channel.
+inline __m256 Load(const float* p) { return Wide::Load(p); }
+inline void Store(float* p, __m256 v) { Wide::Store(p, v); }
 
 // Columns 0 .. count - 1 of an 8x8 byte block (row r at p + r * stride,
 // eight readable bytes each) as floats: column j, the eight rows in order,
@@ -219,7 +40,7 @@ inline void WidenBlock(const uint8_t* p, ptrdiff_t stride, int32_t count, float*
 // column are eight consecutive floats, and the anti-causal pass adds to them.
 template <int32_t chains>
 void RowBlock1(const uint8_t* src, ptrdiff_t srcStride, int32_t width, int32_t height, int32_t y0,
-               const Coefficients256& k, float* line, float* transposed) {
+               const Coefficients<Wide>& k, float* line, float* transposed) {
   const uint8_t* const base = src + y0 * srcStride;
   int32_t x = 0;
   for (; x + 8 <= width; x += 8) {
@@ -248,7 +69,7 @@ void RowBlock1(const uint8_t* src, ptrdiff_t srcStride, int32_t width, int32_t h
     const float* xpv = line + std::max(i - 1, 0) * kLineStride;
 #pragma GCC unroll 4
     for (int32_t c = 0; c < chains; ++c) {
-      const __m256 v = Step(k.a0, Load(xv + 8 * c), k.a1, Load(xpv + 8 * c), k.b1, yp[c], k.b2, yb[c]);
+      const __m256 v = Step<Wide>(k.a0, Load(xv + 8 * c), k.a1, Load(xpv + 8 * c), k.b1, yp[c], k.b2, yb[c]);
       Store(out + static_cast<size_t>(i) * height + 8 * c, v);
       yb[c] = yp[c];
       yp[c] = v;
@@ -270,7 +91,7 @@ void RowBlock1(const uint8_t* src, ptrdiff_t srcStride, int32_t width, int32_t h
     const float* xa = line + (i + 2 <= last ? i + 2 : start) * kLineStride;
 #pragma GCC unroll 4
     for (int32_t c = 0; c < chains; ++c) {
-      const __m256 v = Step(k.a2, Load(xn + 8 * c), k.a3, Load(xa + 8 * c), k.b1, yp[c], k.b2, yb[c]);
+      const __m256 v = Step<Wide>(k.a2, Load(xn + 8 * c), k.a3, Load(xa + 8 * c), k.b1, yp[c], k.b2, yb[c]);
       float* o = out + static_cast<size_t>(i) * height + 8 * c;
       Store(o, _mm256_add_ps(Load(o), v));
       yb[c] = yp[c];
@@ -300,11 +121,12 @@ inline void GatherSamples(const float* transposed, int32_t height, int32_t x0, i
       // in-lane transposes then give the eight columns in order.
       const float* col = transposed + static_cast<size_t>(x0 + 8 * c) * height + p;
       const size_t h = static_cast<size_t>(height);
-      TransposeStore(LoadHalves(col, col + 4 * h), LoadHalves(col + h, col + 5 * h),
-                     LoadHalves(col + 2 * h, col + 6 * h), LoadHalves(col + 3 * h, col + 7 * h), scratch + 8 * c);
-      TransposeStore(LoadHalves(col + 4, col + 4 * h + 4), LoadHalves(col + h + 4, col + 5 * h + 4),
-                     LoadHalves(col + 2 * h + 4, col + 6 * h + 4), LoadHalves(col + 3 * h + 4, col + 7 * h + 4),
-                     scratch + 4 * kLineStride + 8 * c);
+      TransposeStore(Wide::LoadHalves(col, col + 4 * h), Wide::LoadHalves(col + h, col + 5 * h),
+                     Wide::LoadHalves(col + 2 * h, col + 6 * h), Wide::LoadHalves(col + 3 * h, col + 7 * h),
+                     scratch + 8 * c);
+      TransposeStore(Wide::LoadHalves(col + 4, col + 4 * h + 4), Wide::LoadHalves(col + h + 4, col + 5 * h + 4),
+                     Wide::LoadHalves(col + 2 * h + 4, col + 6 * h + 4),
+                     Wide::LoadHalves(col + 3 * h + 4, col + 7 * h + 4), scratch + 4 * kLineStride + 8 * c);
     }
   } else {
     for (int32_t s = 0; s < count; ++s) {
@@ -325,7 +147,7 @@ inline void CopyScratchRow(float* scratch, int32_t to, int32_t from) {
 // transposed lines eight at a time through an 8x8 transpose into a small
 // scratch block; the causal results wait in the line buffer.
 template <int32_t chains>
-void ColumnBlock1(const float* transposed, int32_t height, int32_t x0, const Coefficients256& k, float* line,
+void ColumnBlock1(const float* transposed, int32_t height, int32_t x0, const Coefficients<Wide>& k, float* line,
                   uint8_t* dst, ptrdiff_t dstStride) {
   // Zeroed only to let the compiler see every row written before it is read.
   alignas(32) float scratch[10 * kLineStride] = {};
@@ -346,7 +168,8 @@ void ColumnBlock1(const float* transposed, int32_t height, int32_t x0, const Coe
       const float* row = scratch + s * kLineStride;
 #pragma GCC unroll 4
       for (int32_t c = 0; c < chains; ++c) {
-        const __m256 v = Step(k.a0, Load(row + kLineStride + 8 * c), k.a1, Load(row + 8 * c), k.b1, yp[c], k.b2, yb[c]);
+        const __m256 v =
+            Step<Wide>(k.a0, Load(row + kLineStride + 8 * c), k.a1, Load(row + 8 * c), k.b1, yp[c], k.b2, yb[c]);
         Store(line + (p + s) * kLineStride + 8 * c, v);
         yb[c] = yp[c];
         yp[c] = v;
@@ -378,13 +201,13 @@ void ColumnBlock1(const float* transposed, int32_t height, int32_t x0, const Coe
       __m256 sums[chains];
 #pragma GCC unroll 4
       for (int32_t c = 0; c < chains; ++c) {
-        const __m256 v = Step(k.a2, Load(row + kLineStride + 8 * c), k.a3, Load(row + 2 * kLineStride + 8 * c), k.b1,
-                              yp[c], k.b2, yb[c]);
+        const __m256 v = Step<Wide>(k.a2, Load(row + kLineStride + 8 * c), k.a3, Load(row + 2 * kLineStride + 8 * c),
+                                    k.b1, yp[c], k.b2, yb[c]);
         sums[c] = _mm256_add_ps(Load(line + (p + s) * kLineStride + 8 * c), v);
         yb[c] = yp[c];
         yp[c] = v;
       }
-      StoreBytes<chains>(dst + (p + s) * dstStride + x0, sums);
+      StoreBytes<Wide, chains>(dst + (p + s) * dstStride + x0, sums);
     }
     if (p == 0) break;
     CopyScratchRow<chains>(scratch, 9, 1);
@@ -395,72 +218,51 @@ void ColumnBlock1(const float* transposed, int32_t height, int32_t x0, const Coe
   }
 }
 
-}  // namespace
-
-// Each pass runs blocks of kChains chains, then one smaller block for the
-// whole chains left, then the plain routine for the last lines.
-void GaussRowPass4(const uint8_t* src, ptrdiff_t srcStride, int32_t width, int32_t height, const DericheCoefficients& k,
-                   float* line, float* transposed) {
-  const Coefficients256 kv(k);
-  int32_t y = 0;
-  for (; y + 2 * kChains <= height; y += 2 * kChains)
-    RowBlock4<kChains>(src, srcStride, width, height, y, kv, line, transposed);
-  switch ((height - y) / 2) {
-    case 3: RowBlock4<3>(src, srcStride, width, height, y, kv, line, transposed); break;
-    case 2: RowBlock4<2>(src, srcStride, width, height, y, kv, line, transposed); break;
-    case 1: RowBlock4<1>(src, srcStride, width, height, y, kv, line, transposed); break;
-    default: break;
-  }
-  y += (height - y) / 2 * 2;
-  if (y < height) GaussRowRange4_c(src, srcStride, width, height, y, height, k, line, transposed);
-}
-
-void GaussColumnPass4(const float* transposed, int32_t width, int32_t height, const DericheCoefficients& k, float* line,
-                      uint8_t* dst, ptrdiff_t dstStride) {
-  const Coefficients256 kv(k);
-  int32_t x = 0;
-  for (; x + 2 * kChains <= width; x += 2 * kChains)
-    ColumnBlock4<kChains>(transposed, height, x, kv, line, dst, dstStride);
-  switch ((width - x) / 2) {
-    case 3: ColumnBlock4<3>(transposed, height, x, kv, line, dst, dstStride); break;
-    case 2: ColumnBlock4<2>(transposed, height, x, kv, line, dst, dstStride); break;
-    case 1: ColumnBlock4<1>(transposed, height, x, kv, line, dst, dstStride); break;
-    default: break;
-  }
-  x += (width - x) / 2 * 2;
-  if (x < width) GaussColumnRange4_c(transposed, height, x, width, k, line, dst, dstStride);
-}
-
+// The dispatch of gauss_blur_simd.h, written out for the same reason.
 void GaussRowPass1(const uint8_t* src, ptrdiff_t srcStride, int32_t width, int32_t height, const DericheCoefficients& k,
                    float* line, float* transposed) {
-  const Coefficients256 kv(k);
+  constexpr int32_t kLines = Wide::kFloats;
+  const Coefficients<Wide> kv(k);
   int32_t y = 0;
-  for (; y + 8 * kChains <= height; y += 8 * kChains)
+  for (; y + kLines * kChains <= height; y += kLines * kChains)
     RowBlock1<kChains>(src, srcStride, width, height, y, kv, line, transposed);
-  switch ((height - y) / 8) {
+  switch ((height - y) / kLines) {
     case 3: RowBlock1<3>(src, srcStride, width, height, y, kv, line, transposed); break;
     case 2: RowBlock1<2>(src, srcStride, width, height, y, kv, line, transposed); break;
     case 1: RowBlock1<1>(src, srcStride, width, height, y, kv, line, transposed); break;
     default: break;
   }
-  y += (height - y) / 8 * 8;
+  y += (height - y) / kLines * kLines;
   if (y < height) GaussRowRange1_c(src, srcStride, width, height, y, height, k, line, transposed);
 }
 
 void GaussColumnPass1(const float* transposed, int32_t width, int32_t height, const DericheCoefficients& k, float* line,
                       uint8_t* dst, ptrdiff_t dstStride) {
-  const Coefficients256 kv(k);
+  constexpr int32_t kLines = Wide::kFloats;
+  const Coefficients<Wide> kv(k);
   int32_t x = 0;
-  for (; x + 8 * kChains <= width; x += 8 * kChains)
+  for (; x + kLines * kChains <= width; x += kLines * kChains)
     ColumnBlock1<kChains>(transposed, height, x, kv, line, dst, dstStride);
-  switch ((width - x) / 8) {
+  switch ((width - x) / kLines) {
     case 3: ColumnBlock1<3>(transposed, height, x, kv, line, dst, dstStride); break;
     case 2: ColumnBlock1<2>(transposed, height, x, kv, line, dst, dstStride); break;
     case 1: ColumnBlock1<1>(transposed, height, x, kv, line, dst, dstStride); break;
     default: break;
   }
-  x += (width - x) / 8 * 8;
+  x += (width - x) / kLines * kLines;
   if (x < width) GaussColumnRange1_c(transposed, height, x, width, k, line, dst, dstStride);
+}
+
+}  // namespace
+}  // namespace Lumaforge::x86
+
+namespace Lumaforge::avx2 {
+
+void InstallGaussBlurKernels(GaussBlurKernels* kernels) {
+  kernels->rowPass1 = x86::GaussRowPass1;
+  kernels->columnPass1 = x86::GaussColumnPass1;
+  kernels->rowPass4 = x86::GaussRowPass4<x86::Floats256>;
+  kernels->columnPass4 = x86::GaussColumnPass4<x86::Floats256>;
 }
 
 }  // namespace Lumaforge::avx2

@@ -1,2 +1,0 @@
-#define LUMAFORGE_SIMD_LEVEL ssse3
-#include "filters/kernels/x86/gauss_blur_128.h"
