@@ -9,34 +9,36 @@
 
 namespace Lumaforge {
 
-using ConversionRoutine = void (*)(const VideoPicture* in, const VideoPicture* out, const ColorKernels& kernels);
+// Every whole-picture routine has this signature.
+using Conversion = void(const VideoPicture* in, const VideoPicture* out, const ColorKernels& kernels);
+using ConversionRoutine = Conversion*;
 
 // Planar (I420, YV12) or semi-planar (NV12, NV21) 4:2:0 to any RGB layout.
-void Yuv420ToRgb(const VideoPicture* in, const VideoPicture* out, const ColorKernels& kernels);
+Conversion Yuv420ToRgb;
 // Packed 4:2:2 to any RGB layout.
-void Packed422ToRgb(const VideoPicture* in, const VideoPicture* out, const ColorKernels& kernels);
+Conversion Packed422ToRgb;
 // Any RGB layout to planar or semi-planar 4:2:0.
-void RgbToYuv420(const VideoPicture* in, const VideoPicture* out, const ColorKernels& kernels);
+Conversion RgbToYuv420;
 // Any RGB layout to packed 4:2:2.
-void RgbToPacked422(const VideoPicture* in, const VideoPicture* out, const ColorKernels& kernels);
+Conversion RgbToPacked422;
 // Between RGB layouts: planes or rows copied, or channels moved per pixel.
-void RgbReorder(const VideoPicture* in, const VideoPicture* out, const ColorKernels& kernels);
+Conversion RgbReorder;
 
 // Planar 4:2:0 to planar 4:2:0 (U and V exchanged between I420 and YV12).
-void CopyPlanar420(const VideoPicture* in, const VideoPicture* out, const ColorKernels& kernels);
+Conversion CopyPlanar420;
 // Semi-planar to semi-planar (pairs swapped between NV12 and NV21).
-void CopySemiPlanar420(const VideoPicture* in, const VideoPicture* out, const ColorKernels& kernels);
+Conversion CopySemiPlanar420;
 // Planar 4:2:0 to semi-planar, and back.
-void InterleaveChroma(const VideoPicture* in, const VideoPicture* out, const ColorKernels& kernels);
-void DeinterleaveChroma(const VideoPicture* in, const VideoPicture* out, const ColorKernels& kernels);
+Conversion InterleaveChroma;
+Conversion DeinterleaveChroma;
 // Planar or semi-planar 4:2:0 to packed 4:2:2, and packed 4:2:2 to either.
-void Yuv420ToPacked422(const VideoPicture* in, const VideoPicture* out, const ColorKernels& kernels);
-void Packed422ToYuv420(const VideoPicture* in, const VideoPicture* out, const ColorKernels& kernels);
+Conversion Yuv420ToPacked422;
+Conversion Packed422ToYuv420;
 // Between packed 4:2:2 layouts.
-void ReorderPacked422(const VideoPicture* in, const VideoPicture* out, const ColorKernels& kernels);
+Conversion ReorderPacked422;
 // Three planes with full-width, half-height chroma (I440 and unnamed codes)
 // to planar 4:2:0, keeping every other chroma sample.
-void VerticalChromaTo420(const VideoPicture* in, const VideoPicture* out, const ColorKernels& kernels);
+Conversion VerticalChromaTo420;
 
 }  // namespace Lumaforge
 

@@ -7,17 +7,21 @@
 #include "framework/buffers.h"
 #include "framework/clock.h"
 #include "framework/filter_descriptor.h"
+#include "framework/formats.h"
+#include "framework/plane_layout.h"
 
 namespace Lumaforge {
 namespace {
 
+constexpr uint32_t kGaussBlurFormats[] = {LF_I420, LF_YV12, LF_RGBA, LF_BGRA, LF_ABGR, LF_ARGB, LF_VYUY};
+
 // The vector passes load whole cache lines of the float buffers.
 constexpr uint32_t kBufferAlignment = 64;
 
-float* AllocateFloats(uint64_t count) {
+float* ReserveFloats(WorkBlock& block, uint64_t count) {
   const uint64_t bytes = count * sizeof(float);
   if (bytes > UINT32_MAX) return nullptr;
-  return reinterpret_cast<float*>(AlignedAlloc(static_cast<uint32_t>(bytes), kBufferAlignment));
+  return reinterpret_cast<float*>(block.Reserve(static_cast<uint32_t>(bytes), kBufferAlignment));
 }
 
 }  // namespace
@@ -64,10 +68,9 @@ int32_t CGaussBlur::GetParam(ParamId id, void* value) {
 }
 
 void CGaussBlur::FreeBuffers() {
-  AlignedFree(m_pLineBuffer);
-  AlignedFree(m_pTransposed);
-  m_pLineBuffer = nullptr;
-  m_pTransposed = nullptr;
+  m_LineBuffer.Free();
+  m_Transposed.Free();
+  m_pLineBuffer = m_pTransposed = nullptr;
 }
 
 bool CGaussBlur::EnsureBuffers(uint32_t channels, uint32_t width, uint32_t height) {
@@ -78,8 +81,8 @@ bool CGaussBlur::EnsureBuffers(uint32_t channels, uint32_t width, uint32_t heigh
   // Both are replaced and sized for this picture: the capacity follows the
   // last allocation, as a smaller picture of another shape may come next.
   FreeBuffers();
-  m_pLineBuffer = AllocateFloats(uint64_t{std::max(width, height)} * kGaussLineFloatsPerSample);
-  m_pTransposed = AllocateFloats(uint64_t{channels} * width * height);
+  m_pLineBuffer = ReserveFloats(m_LineBuffer, uint64_t{std::max(width, height)} * kGaussLineFloatsPerSample);
+  m_pTransposed = ReserveFloats(m_Transposed, uint64_t{channels} * width * height);
   if (!m_pLineBuffer || !m_pTransposed) {
     FreeBuffers();
     return false;
@@ -105,38 +108,21 @@ bool CGaussBlur::Blur(const uint8_t* src, uint8_t* dst, uint32_t channels, uint3
 int32_t CGaussBlur::Process(VideoPicture* input, VideoPicture* output) {
   if (!input || !output) return LF_INVALID_PARAMETER;
   const int64_t startUs = NowMicroseconds();
-  const uint32_t w = input->width, h = input->height;
-  bool done;
-  switch (input->format & LF_FORMAT_CODE_MASK) {
-    case LF_RGBA:
-    case LF_BGRA:
-    case LF_ABGR:
-    case LF_ARGB:
-      if (!input->planes[0] || !output->planes[0]) return LF_INVALID_PARAMETER;
-      done = Blur(input->planes[0], output->planes[0], 4, w, h);
-      break;
-    case LF_I420:
-    case LF_YV12:
-      for (int k = 0; k < 3; ++k) {
-        if (!input->planes[k] || !output->planes[k]) return LF_INVALID_PARAMETER;
-      }
-      done = Blur(input->planes[0], output->planes[0], 1, w, h) &&
-             Blur(input->planes[1], output->planes[1], 1, w >> 1, h >> 1) &&
-             Blur(input->planes[2], output->planes[2], 1, w >> 1, h >> 1);
-      break;
-    case LF_VYUY:  // read as one grey plane here
-      if (!input->planes[0] || !output->planes[0]) return LF_INVALID_PARAMETER;
-      done = Blur(input->planes[0], output->planes[0], 1, w, h);
-      break;
-    default: return LF_UNSUPPORTED;
+  const uint32_t code = FormatCode(input->format);
+  if (!ListsFormat(kGaussBlurFormats, code)) return LF_UNSUPPORTED;
+  // 32-bit RGB blurs its four channels together, the others plane by plane
+  // (code 31 is one grey plane here).
+  const PlaneLayout layout = LayoutOf(code, FormatReading::kPlanes, input->width, input->height);
+  if (!PlanesPresent(*input, layout) || !PlanesPresent(*output, layout)) return LF_INVALID_PARAMETER;
+  for (int32_t k = 0; k < layout.planes; ++k) {
+    const PlaneShape& plane = layout.plane[k];
+    if (!Blur(input->planes[k], output->planes[k], layout.bytesPerPixel, plane.width, plane.height)) return LF_FAILED;
   }
-  if (!done) return LF_FAILED;
   FinishFrameTiming(startUs);
   return LF_OK;
 }
 
 namespace {
-constexpr uint32_t kGaussBlurFormats[] = {LF_I420, LF_YV12, LF_RGBA, LF_BGRA, LF_ABGR, LF_ARGB, LF_VYUY};
 constexpr ParamDescriptor kGaussBlurParams[] = {{LF_PARAM_BLUR_SIGMA, ParamType::kFloat, kParamSet | kParamGet, "sigma",
                                                  "standard deviation in pixels (smaller values are raised to 0.5)", 0.5,
                                                  1000}};

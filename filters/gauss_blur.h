@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "filters/kernels/gauss_blur.h"
+#include "framework/buffers.h"
 #include "framework/lumaforge_framework.h"
 
 namespace Lumaforge {
@@ -36,6 +37,8 @@ class CGaussBlur : public CLumaforgeFramework {
   void FreeBuffers();
 
   float m_fSigma = 5.0f;
+  // The float buffers, owned by their blocks.
+  WorkBlock m_LineBuffer, m_Transposed;
   float* m_pLineBuffer = nullptr;
   float* m_pTransposed = nullptr;
   // What the buffers were last allocated for.

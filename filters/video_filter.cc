@@ -7,6 +7,7 @@
 #include "framework/buffers.h"
 #include "framework/clock.h"
 #include "framework/filter_descriptor.h"
+#include "framework/plane_layout.h"
 
 namespace Lumaforge {
 
@@ -36,11 +37,8 @@ int32_t CVideoFilter::Init(void* config, uint8_t /*flag*/) {
 }
 
 void CVideoFilter::FreeWorkBuffers() {
-  AlignedFree(m_pRgbBuffer1);
-  AlignedFree(m_pRgbBuffer2);
-  m_pRgbBuffer1 = nullptr;
-  m_pRgbBuffer2 = nullptr;
-  m_uBufferBytes = 0;
+  m_RgbBuffer1.Free();
+  m_RgbBuffer2.Free();
 }
 
 int32_t CVideoFilter::Uninit() {
@@ -64,16 +62,12 @@ int32_t CVideoFilter::GetParam(ParamId id, void* value) {
 int32_t CVideoFilter::EnsureWorkBuffers(uint32_t lumaStride, uint32_t height) {
   const uint64_t bytes = uint64_t{lumaStride} * height * 3;
   if (bytes > UINT32_MAX) return LF_SETUP_ALLOC_FAILED;
-  if (m_pRgbBuffer1 && m_pRgbBuffer2 && bytes <= m_uBufferBytes) return LF_OK;
+  // A picture with a wider stride than the last one grows them instead of
+  // writing past them.
+  if (m_RgbBuffer1.Reserve(static_cast<uint32_t>(bytes)) && m_RgbBuffer2.Reserve(static_cast<uint32_t>(bytes)))
+    return LF_OK;
   FreeWorkBuffers();
-  m_pRgbBuffer1 = AlignedAlloc(static_cast<uint32_t>(bytes));
-  m_pRgbBuffer2 = AlignedAlloc(static_cast<uint32_t>(bytes));
-  if (!m_pRgbBuffer1 || !m_pRgbBuffer2) {
-    FreeWorkBuffers();
-    return LF_SETUP_ALLOC_FAILED;
-  }
-  m_uBufferBytes = static_cast<uint32_t>(bytes);
-  return LF_OK;
+  return LF_SETUP_ALLOC_FAILED;
 }
 
 void CVideoFilter::ToRgb(const VideoPicture& picture, uint8_t* rgb) {
@@ -108,15 +102,15 @@ void CVideoFilter::RunEffect(const VideoPicture& picture) {
                                 static_cast<float>(std::cos(120.0)), static_cast<float>(std::sin(120.0)));
       break;
     case LF_EFFECT_SEPIA:
-      ToRgb(picture, m_pRgbBuffer1);
-      m_effectKernels.sepia(m_pRgbBuffer1, m_pRgbBuffer2, rgbBytes / 3);
-      FromRgb(m_pRgbBuffer2, picture);
+      ToRgb(picture, m_RgbBuffer1.data());
+      m_effectKernels.sepia(m_RgbBuffer1.data(), m_RgbBuffer2.data(), rgbBytes / 3);
+      FromRgb(m_RgbBuffer2.data(), picture);
       break;
     case LF_EFFECT_TONE_CURVES:
     case LF_EFFECT_CURVE_TABLES:
-      ToRgb(picture, m_pRgbBuffer1);
-      ApplyCurves(m_pRgbBuffer1, rgbBytes, m_uEffect == LF_EFFECT_TONE_CURVES ? ToneCurves() : FilmCurves());
-      FromRgb(m_pRgbBuffer1, picture);
+      ToRgb(picture, m_RgbBuffer1.data());
+      ApplyCurves(m_RgbBuffer1.data(), rgbBytes, m_uEffect == LF_EFFECT_TONE_CURVES ? ToneCurves() : FilmCurves());
+      FromRgb(m_RgbBuffer1.data(), picture);
       break;
     default:  // grey, and any unknown effect
       std::memset(picture.planes[1], 128, chromaSamples);
@@ -135,7 +129,8 @@ int32_t CVideoFilter::Process(VideoPicture* input, VideoPicture* /*output*/) {
     VideoFilterConfig config{input->width, input->height, input->format, m_uEffect};
     Init(&config, 0);
   }
-  if (!input->planes[0] || !input->planes[1] || !input->planes[2]) return LF_INVALID_PARAMETER;
+  if (!PlanesPresent(*input, LayoutOf(LF_I420, FormatReading::kPlanes, input->width, input->height)))
+    return LF_INVALID_PARAMETER;
   // The colour effects convert through RGB, which works on whole 2x2 blocks.
   const bool viaRgb =
       m_uEffect == LF_EFFECT_SEPIA || m_uEffect == LF_EFFECT_TONE_CURVES || m_uEffect == LF_EFFECT_CURVE_TABLES;

@@ -9,6 +9,7 @@
 #include "color/color_kernels.h"
 #include "color/conversions.h"
 #include "filters/kernels/color_effects.h"
+#include "framework/buffers.h"
 #include "framework/lumaforge_framework.h"
 
 namespace Lumaforge {
@@ -40,12 +41,9 @@ class CVideoFilter : public CLumaforgeFramework {
   uint32_t m_uWidth = 0, m_uHeight = 0;
   ConversionRoutine m_pToRgb = nullptr;
   ConversionRoutine m_pFromRgb = nullptr;
-  uint8_t* m_pRgbBuffer1 = nullptr;
-  uint8_t* m_pRgbBuffer2 = nullptr;
+  // 24-bit RGB work pictures of the effects that go through RGB.
+  WorkBlock m_RgbBuffer1, m_RgbBuffer2;
   uint32_t m_uEffect = 0;
-  // Bytes each work buffer holds; a picture with a wider stride than the
-  // first one grows them instead of writing past them.
-  uint32_t m_uBufferBytes = 0;
   ColorKernels m_colorKernels{};
   ColorEffectKernels m_effectKernels{};
 };

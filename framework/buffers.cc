@@ -71,6 +71,26 @@ uint8_t* EnsureCapacity(uint8_t* buffer, uint32_t& capacity, uint32_t needed) {
   return fresh;
 }
 
+uint8_t* WorkBlock::Reserve(uint32_t bytes, uint32_t alignment) {
+  if (m_pData && m_uCapacity >= bytes) return m_pData;
+  Free();
+  m_pData = AlignedAlloc(bytes, alignment);
+  m_uCapacity = m_pData ? bytes : 0;
+  return m_pData;
+}
+
+uint8_t* WorkBlock::Grow(uint32_t bytes) {
+  uint8_t* grown = EnsureCapacity(m_pData, m_uCapacity, bytes);
+  if (grown) m_pData = grown;
+  return grown;
+}
+
+void WorkBlock::Free() {
+  AlignedFree(m_pData);
+  m_pData = nullptr;
+  m_uCapacity = 0;
+}
+
 void PadPlaneEdges(uint8_t* plane, int32_t stride, int32_t width, int32_t height, int32_t pad) {
   if (!plane || width <= 0 || height <= 0 || pad <= 0) return;
   auto row = [&](int32_t y) { return plane + static_cast<ptrdiff_t>(y) * stride; };

@@ -21,6 +21,30 @@ void AlignedFree(void* block);
 // old contents, with `capacity` updated. Null on failure.
 uint8_t* EnsureCapacity(uint8_t* buffer, uint32_t& capacity, uint32_t needed);
 
+// A work block a filter owns: it grows, never shrinks, and is freed by
+// Free() or the destructor. A failed growth leaves no block.
+class WorkBlock {
+ public:
+  WorkBlock() = default;
+  ~WorkBlock() { Free(); }
+  WorkBlock(const WorkBlock&) = delete;
+  WorkBlock& operator=(const WorkBlock&) = delete;
+
+  // At least `bytes`, zeroed when newly allocated (then of exactly `bytes`;
+  // the old contents are dropped). Null on failure.
+  uint8_t* Reserve(uint32_t bytes, uint32_t alignment = 16);
+  // At least `bytes`, keeping the contents; grows as EnsureCapacity does.
+  uint8_t* Grow(uint32_t bytes);
+  void Free();
+
+  uint8_t* data() const { return m_pData; }
+  uint32_t capacity() const { return m_uCapacity; }
+
+ private:
+  uint8_t* m_pData = nullptr;
+  uint32_t m_uCapacity = 0;
+};
+
 // Replicates the edges of a width x height plane into `pad` samples on every
 // side (the memory around the plane must exist); corners take the corner samples.
 void PadPlaneEdges(uint8_t* plane, int32_t stride, int32_t width, int32_t height, int32_t pad);

@@ -62,16 +62,13 @@ int32_t CDownsampling::Init(void* /*config*/, uint8_t flag) {
 }
 
 void CDownsampling::ReleaseBuffers() {
-  AlignedFree(m_pHalfBandTempBuffer);
-  AlignedFree(m_pGeneralTempBuffer);
-  AlignedFree(m_pSampleBlock);
-  AlignedFree(m_srcBuffer.block);
-  AlignedFree(m_dstBuffer.block);
-  m_pHalfBandTempBuffer = m_pGeneralTempBuffer = m_pSampleBlock = nullptr;
-  m_uHalfBandTempCapacity = m_uGeneralTempCapacity = 0;
+  m_HalfBandTempBuffer.Free();
+  m_GeneralTempBuffer.Free();
+  m_SampleBlock.Free();
+  m_srcBuffer.block.Free();
+  m_dstBuffer.block.Free();
   std::memset(m_pSamplePlanes, 0, sizeof(m_pSamplePlanes));
-  m_srcBuffer = WorkBuffer();
-  m_dstBuffer = WorkBuffer();
+  m_srcBuffer.allocated = m_dstBuffer.allocated = false;
   m_SrcPicture = WorkPicture();
   m_DstPicture = WorkPicture();
   m_bSampleBuffersAllocated = false;
@@ -209,14 +206,9 @@ int32_t CDownsampling::AllocateSampleBuffers(uint32_t code) {
     }
   }
   const uint32_t setBytes = planeBytes[0] + planeBytes[1] + planeBytes[2];
-  if (2 * setBytes > m_uSampleCapacity) {
-    AlignedFree(m_pSampleBlock);
-    m_pSampleBlock = AlignedAlloc(2 * setBytes);
-    m_uSampleCapacity = m_pSampleBlock ? 2 * setBytes : 0;
-  }
-  m_bSampleBufferFailed = setBytes && !m_pSampleBlock;
+  uint8_t* next = setBytes ? m_SampleBlock.Reserve(2 * setBytes) : nullptr;
+  m_bSampleBufferFailed = setBytes && !next;
   std::memset(m_pSamplePlanes, 0, sizeof(m_pSamplePlanes));
-  uint8_t* next = m_pSampleBlock;
   for (int set = 0; set < 2 && next; ++set) {
     for (int k = 0; k < 3; ++k) {
       m_pSamplePlanes[set][k] = planeBytes[k] ? next : nullptr;
@@ -224,15 +216,8 @@ int32_t CDownsampling::AllocateSampleBuffers(uint32_t code) {
     }
   }
   m_uSampleFormat = setBytes ? code : 0;
-  auto ensure = [](uint8_t*& buffer, uint32_t& capacity, uint32_t bytes) {
-    if (capacity >= bytes) return;
-    AlignedFree(buffer);
-    buffer = AlignedAlloc(bytes);
-    capacity = buffer ? bytes : 0;
-  };
-  ensure(m_pHalfBandTempBuffer, m_uHalfBandTempCapacity, kHalfBandTempBytes);
-  ensure(m_pGeneralTempBuffer, m_uGeneralTempCapacity, kGeneralTempBytes);
-  if (m_bSampleBufferFailed || !m_pHalfBandTempBuffer || !m_pGeneralTempBuffer) {
+  const bool temps = m_HalfBandTempBuffer.Reserve(kHalfBandTempBytes) && m_GeneralTempBuffer.Reserve(kGeneralTempBytes);
+  if (m_bSampleBufferFailed || !temps) {
     if (m_pLogger)
       m_pLogger->Error("CDownsampling::InitBuffer(), allocate(reallocate) sampleBuffer and tempBuffer failed.");
     return LF_SETUP_ALLOC_FAILED;
@@ -259,22 +244,17 @@ int32_t CDownsampling::AllocateWorkPicture(WorkBuffer& buffer, WorkPicture& pict
   const bool keep =
       buffer.allocated && buffer.width == like.width && buffer.height == like.height && buffer.format == code;
   if (!keep) {
-    if (required > buffer.capacity) {
-      AlignedFree(buffer.block);
-      buffer.block = AlignedAlloc(required);
-      buffer.capacity = buffer.block ? required : 0;
-      if (!buffer.block) {
-        buffer.allocated = false;
-        return LF_SETUP_ALLOC_FAILED;
-      }
+    if (!buffer.block.Reserve(required)) {
+      buffer.allocated = false;
+      return LF_SETUP_ALLOC_FAILED;
     }
-    std::memset(buffer.block, 0, required);
+    std::memset(buffer.block.data(), 0, required);
   }
   // The picture is always cut again from the block: in caller-buffer mode it
   // may point at a caller's planes since the last frame. The first plane
   // starts past the next alignment boundary (always moving forward).
   uint8_t* next =
-      reinterpret_cast<uint8_t*>((reinterpret_cast<uintptr_t>(buffer.block) + align) & ~uintptr_t{align - 1});
+      reinterpret_cast<uint8_t*>((reinterpret_cast<uintptr_t>(buffer.block.data()) + align) & ~uintptr_t{align - 1});
   picture = WorkPicture();
   picture.width = like.width;
   picture.height = like.height;

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 
+#include "framework/buffers.h"
 #include "framework/lumaforge_framework.h"
 #include "framework/plane_layout.h"
 #include "scaling/kernels/box_scale.h"
@@ -42,10 +43,9 @@ class CDownsampling : public CLumaforgeFramework {
   int32_t GetParam(ParamId id, void* value) override;
 
  private:
-  // A growable work block and the size and format it was last cut for.
+  // A work block and the size and format it was last cut for.
   struct WorkBuffer {
-    uint8_t* block = nullptr;
-    uint32_t capacity = 0;
+    WorkBlock block;
     bool allocated = false;
     uint32_t width = 0, height = 0, format = 0;
   };
@@ -59,19 +59,18 @@ class CDownsampling : public CLumaforgeFramework {
 
   // Scaling one plane: the direct path or the halving cascade.
   void ScalePlane(const PlaneView& src, const PlaneView& dst, int32_t plane, bool chroma);
+  // Grows a scratch buffer of the multi-tap paths; logs and answers null on failure.
+  uint8_t* GrowScratch(WorkBlock& buffer, uint32_t bytes, const char* name);
   void DownsampleHalfMultiTap(const PlaneView& src, const PlaneView& dst);
   void DownsampleGeneralMultiTap(const PlaneView& src, const PlaneView& dst);
 
   bool m_bCallerBuffers = false;
-  uint8_t* m_pSampleBlock = nullptr;
-  uint32_t m_uSampleCapacity = 0;
+  WorkBlock m_SampleBlock;
   uint8_t* m_pSamplePlanes[2][3] = {};
   // The format the sample planes are cut for (0: none yet).
   uint32_t m_uSampleFormat = 0;
-  uint8_t* m_pHalfBandTempBuffer = nullptr;
-  uint32_t m_uHalfBandTempCapacity = 0;
-  uint8_t* m_pGeneralTempBuffer = nullptr;
-  uint32_t m_uGeneralTempCapacity = 0;
+  WorkBlock m_HalfBandTempBuffer;
+  WorkBlock m_GeneralTempBuffer;
   bool m_bSampleBufferFailed = false;
   int8_t m_HalfBandTaps[6] = {};
   BoxScaleKernels m_box;

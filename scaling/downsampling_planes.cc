@@ -61,18 +61,21 @@ void CDownsampling::ScalePlane(const PlaneView& src, const PlaneView& dst, int32
   }
 }
 
+uint8_t* CDownsampling::GrowScratch(WorkBlock& buffer, uint32_t bytes, const char* name) {
+  uint8_t* scratch = buffer.Grow(bytes);
+  // Both scratch buffers report under the half-band routine's name.
+  if (!scratch && m_pLogger) m_pLogger->Error("CDownsampling::DownsampleHalfMultiTap(), Allocate %s failed.", name);
+  return scratch;
+}
+
 void CDownsampling::DownsampleHalfMultiTap(const PlaneView& src, const PlaneView& dst) {
   const int32_t W = src.width, H = src.height;
   // Rows of the vertical pass, with 16 bytes of edge copies on each side.
   const int32_t T = (W + 47) & ~15;
   const uint32_t needed = static_cast<uint32_t>((H / 2 + 1) * T);
-  uint8_t* grown = EnsureCapacity(m_pHalfBandTempBuffer, m_uHalfBandTempCapacity, needed);
-  if (!grown) {
-    if (m_pLogger) m_pLogger->Error("CDownsampling::DownsampleHalfMultiTap(), Allocate m_pHalfBandTempBuffer failed.");
-    return;
-  }
-  m_pHalfBandTempBuffer = grown;
-  uint8_t* origin = AlignUp16(m_pHalfBandTempBuffer) + 32;
+  uint8_t* scratch = GrowScratch(m_HalfBandTempBuffer, needed, "m_pHalfBandTempBuffer");
+  if (!scratch) return;
+  uint8_t* origin = AlignUp16(scratch) + 32;
   // Both passes run band by band, so the scratch rows are read back while
   // still in the cache; the bytes are those of two whole-plane passes.
   constexpr int32_t kBandRows = 8;
@@ -102,13 +105,9 @@ void CDownsampling::DownsampleGeneralMultiTap(const PlaneView& src, const PlaneV
   // One filtered line with 16 bytes in front; three edge copies on each side
   // cover every position the horizontal taps reach.
   const uint32_t needed = static_cast<uint32_t>((2 * W + 79) & ~15);
-  uint8_t* grown = EnsureCapacity(m_pGeneralTempBuffer, m_uGeneralTempCapacity, needed);
-  if (!grown) {
-    if (m_pLogger) m_pLogger->Error("CDownsampling::DownsampleHalfMultiTap(), Allocate m_pGeneralTempBuffer failed.");
-    return;
-  }
-  m_pGeneralTempBuffer = grown;
-  uint8_t* line = AlignUp16(m_pGeneralTempBuffer) + 16;
+  uint8_t* scratch = GrowScratch(m_GeneralTempBuffer, needed, "m_pGeneralTempBuffer");
+  if (!scratch) return;
+  uint8_t* line = AlignUp16(scratch) + 16;
 
   int32_t posY = (stepY >> 1) - 32768;
   for (int32_t r = 0; r < h; ++r, posY += stepY) {
