@@ -19,27 +19,27 @@ int32_t SourceSize(int32_t dstSize, uint32_t seed) {
   return dstSize + 1 + dstSize * static_cast<int32_t>(seed % 8 + 1) / 4;
 }
 
-KernelEntry<Table> BoxEntry(const char* name, BoxScaleFn Table::*member, int32_t step) {
-  return Entry<Table, BoxScaleFn>(
+KernelEntry<Table> BoxEntry(const char* name, BoxScaleKernel* Table::*member, int32_t step) {
+  return Entry<Table, BoxScaleKernel*>(
       name, member,
       [step](const Shape& s, Buffers& b) {
         b.AddInput("src", s.width, s.height);
         b.AddOutput("dst", s.width / step, s.height / step);
       },
-      [](BoxScaleFn kernel, Buffers& b) {
+      [](BoxScaleKernel* kernel, Buffers& b) {
         kernel(b[0].Row(0), b[0].Stride(), b[1].Row(0), b[1].Stride(), b[0].RowBytes(), b[0].Rows());
       },
       kBoxRules);
 }
 
-KernelEntry<Table> BilinearEntry(const char* name, BilinearFn Table::*member) {
-  return Entry<Table, BilinearFn>(
+KernelEntry<Table> BilinearEntry(const char* name, BilinearKernel* Table::*member) {
+  return Entry<Table, BilinearKernel*>(
       name, member,
       [](const Shape& s, Buffers& b) {
         b.AddInput("src", SourceSize(s.width, s.seed), SourceSize(s.height, s.seed / 8));
         b.AddOutput("dst", s.width, s.height);
       },
-      [](BilinearFn kernel, Buffers& b) {
+      [](BilinearKernel* kernel, Buffers& b) {
         kernel(b[0].Row(0), b[0].Stride(), b[0].RowBytes(), b[0].Rows(), b[1].Row(0), b[1].Stride(), b[1].RowBytes(),
                b[1].Rows());
       });
@@ -56,23 +56,23 @@ std::vector<KernelEntry<Table>> Entries() {
   };
   for (const int32_t bpp : {3, 4}) {
     const std::string suffix = "_" + std::to_string(bpp * 8) + "bit";
-    entries.push_back(Entry<Table, PackedHalfFn>(
+    entries.push_back(Entry<Table, PackedHalfKernel*>(
         "packed_half" + suffix, &Table::packedHalf,
         [bpp](const Shape& s, Buffers& b) {
           b.AddInput("src", s.width * bpp, s.height);
           b.AddOutput("dst", s.width / 2 * bpp, s.height / 2);
         },
-        [bpp](PackedHalfFn kernel, Buffers& b) {
+        [bpp](PackedHalfKernel* kernel, Buffers& b) {
           kernel(b[0].Row(0), b[0].Stride(), b[1].Row(0), b[1].Stride(), b[0].RowBytes() / bpp, b[0].Rows(), bpp);
         },
         kBoxRules));
-    entries.push_back(Entry<Table, PackedBilinearFn>(
+    entries.push_back(Entry<Table, PackedBilinearKernel*>(
         "packed_general" + suffix, &Table::packedGeneral,
         [bpp](const Shape& s, Buffers& b) {
           b.AddInput("src", SourceSize(s.width, s.seed) * bpp, SourceSize(s.height, s.seed / 8));
           b.AddOutput("dst", s.width * bpp, s.height);
         },
-        [bpp](PackedBilinearFn kernel, Buffers& b) {
+        [bpp](PackedBilinearKernel* kernel, Buffers& b) {
           kernel(b[0].Row(0), b[0].Stride(), b[0].RowBytes() / bpp, b[0].Rows(), b[1].Row(0), b[1].Stride(),
                  b[1].RowBytes() / bpp, b[1].Rows(), bpp);
         }));

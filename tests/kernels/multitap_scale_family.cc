@@ -31,13 +31,13 @@ int32_t StepX(int32_t w, int32_t W) { return static_cast<int32_t>((w / 2 + (stat
 int32_t SourceWidth(int32_t w, uint32_t seed) { return w + 1 + w * static_cast<int32_t>(seed % 6 + 1) / 3; }
 
 KernelEntry<Table> HorizontalEntry(const char* name, int32_t cycleLength) {
-  return Entry<Table, FourTapHorizontalFn>(
+  return Entry<Table, FourTapHorizontalKernel*>(
       name, &Table::fourTapHorizontal,
       [](const Shape& s, Buffers& b) {
         b.AddInput("line", SourceWidth(s.width, s.seed), s.height);
         b.AddOutput("dst", s.width, s.height);
       },
-      [cycleLength](FourTapHorizontalFn kernel, Buffers& b) {
+      [cycleLength](FourTapHorizontalKernel* kernel, Buffers& b) {
         const int32_t w = b[1].RowBytes(), W = b[0].RowBytes();
         const int32_t step = StepX(w, W);
         for (int32_t y = 0; y < b[0].Rows(); ++y) {
@@ -48,13 +48,13 @@ KernelEntry<Table> HorizontalEntry(const char* name, int32_t cycleLength) {
 
 std::vector<KernelEntry<Table>> Entries() {
   std::vector<KernelEntry<Table>> entries;
-  entries.push_back(Entry<Table, HalfBandVerticalFn>(
+  entries.push_back(Entry<Table, HalfBandVerticalKernel*>(
       "half_band_vertical", &Table::halfBandVertical,
       [](const Shape& s, Buffers& b) {
         b.AddInput("src", s.width, s.height);
         b.AddOutput("dst", s.width, s.height / 2);
       },
-      [](HalfBandVerticalFn kernel, Buffers& b) {
+      [](HalfBandVerticalKernel* kernel, Buffers& b) {
         // The top rows in one call, the rest in bands of three, as the filter bands them.
         const int32_t rows = b[1].Rows(), first = rows / 3;
         kernel(b[0].Row(0), b[0].Stride(), b[0].RowBytes(), b[0].Rows(), b[1].Row(0), b[1].Stride(), kHalfBandTaps, 0,
@@ -65,22 +65,22 @@ std::vector<KernelEntry<Table>> Entries() {
         }
       },
       {.maxHeight = 12}));
-  entries.push_back(Entry<Table, HalfBandHorizontalFn>(
+  entries.push_back(Entry<Table, HalfBandHorizontalKernel*>(
       "half_band_horizontal", &Table::halfBandHorizontal,
       [](const Shape& s, Buffers& b) {
         b.AddInput("src", s.width, s.height);
         b.AddOutput("dst", s.width / 2, s.height);
       },
-      [](HalfBandHorizontalFn kernel, Buffers& b) {
+      [](HalfBandHorizontalKernel* kernel, Buffers& b) {
         kernel(b[0].Row(0), b[0].Stride(), b[0].RowBytes(), b[0].Rows(), b[1].Row(0), b[1].Stride(), kHalfBandTaps);
       }));
-  entries.push_back(Entry<Table, FourTapVerticalFn>(
+  entries.push_back(Entry<Table, FourTapVerticalKernel*>(
       "four_tap_vertical", &Table::fourTapVertical,
       [](const Shape& s, Buffers& b) {
         b.AddInput("rows", s.width, 4);
         b.AddOutput("line", s.width, 1);
       },
-      [](FourTapVerticalFn kernel, Buffers& b) {
+      [](FourTapVerticalKernel* kernel, Buffers& b) {
         for (int32_t p = 0; p < 64; p += 9) {
           kernel(b[0].Row(0), b[0].Row(1), b[0].Row(2), b[0].Row(3), b[1].Row(0), b[0].RowBytes(), kPhases.taps[p]);
         }

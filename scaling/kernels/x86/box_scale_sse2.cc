@@ -1,26 +1,12 @@
-#define LUMAFORGE_SIMD_LEVEL sse2
-#include "scaling/kernels/x86/box_scale_128.h"
+#include "scaling/kernels/x86/box_scale_simd.h"
 
 namespace Lumaforge::sse2 {
 
-void BilinearLuma(const uint8_t* src, int32_t srcStride, int32_t srcWidth, int32_t srcHeight, uint8_t* dst,
-                  int32_t dstStride, int32_t dstWidth, int32_t dstHeight) {
-  BilinearLumaImpl(src, srcStride, srcWidth, srcHeight, dst, dstStride, dstWidth, dstHeight);
-}
-
-void BilinearChroma(const uint8_t* src, int32_t srcStride, int32_t srcWidth, int32_t srcHeight, uint8_t* dst,
-                    int32_t dstStride, int32_t dstWidth, int32_t dstHeight) {
-  BilinearChromaImpl(src, srcStride, srcWidth, srcHeight, dst, dstStride, dstWidth, dstHeight);
-}
-
-void PackedHalf(const uint8_t* src, int32_t srcStride, uint8_t* dst, int32_t dstStride, int32_t width, int32_t height,
-                int32_t bytesPerPixel) {
-  PackedHalfImpl(src, srcStride, dst, dstStride, width, height, bytesPerPixel);
-}
-
-void PackedBilinear(const uint8_t* src, int32_t srcStride, int32_t srcWidth, int32_t srcHeight, uint8_t* dst,
-                    int32_t dstStride, int32_t dstWidth, int32_t dstHeight, int32_t bytesPerPixel) {
-  PackedBilinearImpl(src, srcStride, srcWidth, srcHeight, dst, dstStride, dstWidth, dstHeight, bytesPerPixel);
+void InstallBoxScaleKernels(BoxScaleKernels* kernels) {
+  kernels->generalLuma = x86::BilinearPlane<x86::Vec128, false>;
+  kernels->generalChroma = x86::BilinearPlane<x86::Vec128, true>;
+  kernels->packedHalf = x86::PackedHalf<x86::Half24ByMasks, x86::Half32<x86::Vec128>>;
+  kernels->packedGeneral = x86::PackedBilinear<x86::Pack3ByMasks>;
 }
 
 }  // namespace Lumaforge::sse2

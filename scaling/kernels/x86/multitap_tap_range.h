@@ -1,5 +1,14 @@
-// The tap sets the vector multi-tap kernels accept: within these bounds
-// their 16-bit sums cannot overflow; other sets run the plain routines.
+// The tap sets the vector multi-tap kernels accept; other sets run the plain
+// routines. The vector paths keep sums in 16-bit lanes, which is exact when:
+//  - half-band kernels: sum of |taps| <= 128, so every partial sum stays
+//    within 128 * 255 = 32640 and nothing in int16 can overflow;
+//  - four-tap kernels: |t0| + |t1| <= 128 and |t2| + |t3| <= 128, so each
+//    pair stays within int16 and only the final pair + pair add may leave it;
+//    that add saturates, and a saturated sum is past +-32767 exactly when the
+//    true one is, where (32 + sum) >> 6 clamps to the same 0 or 255.
+// The half-band taps (-1, 8, 25, 25, 8, -1) and four-tap phases with lobes
+// down to about -60 are all inside.
+//
 // Internal linkage: each including file keeps its own copy, compiled with
 // its own instruction-set flags.
 #ifndef LUMAFORGE_SCALING_KERNELS_X86_MULTITAP_TAP_RANGE_H_
