@@ -1,19 +1,16 @@
 #include "color/kernels/packed422.h"
 
 #include "framework/cpu_features.h"
+#include "framework/kernel_family.h"
 
 namespace Lumaforge {
 
 void InitPacked422Kernels(Packed422Kernels* kernels, uint32_t cpuFeatures) {
-  kernels->packed422ToPlanesRow = Packed422ToPlanesRow_c;
-  kernels->planesToPacked422Row = PlanesToPacked422Row_c;
-  kernels->averageRows = AverageRows_c;
-#define INSTALL(level)                                         \
-  kernels->packed422ToPlanesRow = level::Packed422ToPlanesRow; \
-  kernels->planesToPacked422Row = level::PlanesToPacked422Row; \
-  kernels->averageRows = level::AverageRows;
-  LUMAFORGE_INSTALL_LADDER(cpuFeatures, INSTALL);
-#undef INSTALL
+  *kernels = {Packed422ToPlanesRow_c, PlanesToPacked422Row_c, AverageRows_c};
+  ClimbLadder(kernels, cpuFeatures,
+              {{kCpuSSE2, sse2::InstallPacked422Kernels},
+               {kCpuSSSE3, ssse3::InstallPacked422Kernels},
+               {kCpuAVX2, avx2::InstallPacked422Kernels}});
 }
 
 }  // namespace Lumaforge

@@ -1,23 +1,16 @@
 #include "color/kernels/rgb_pack.h"
 
 #include "framework/cpu_features.h"
+#include "framework/kernel_family.h"
 
 namespace Lumaforge {
 
 void InitRgbPackKernels(RgbPackKernels* kernels, uint32_t cpuFeatures) {
-  kernels->shuffle4Row = Shuffle4Row_c;
-  kernels->rgb24ToBgraRow = Rgb24ToBgraRow_c;
-  kernels->bgraToRgb24Row = BgraToRgb24Row_c;
-  kernels->planesToBgraRow = PlanesToBgraRow_c;
-  kernels->bgraToPlanesRow = BgraToPlanesRow_c;
-#define INSTALL(level)                               \
-  kernels->shuffle4Row = level::Shuffle4Row;         \
-  kernels->rgb24ToBgraRow = level::Rgb24ToBgraRow;   \
-  kernels->bgraToRgb24Row = level::BgraToRgb24Row;   \
-  kernels->planesToBgraRow = level::PlanesToBgraRow; \
-  kernels->bgraToPlanesRow = level::BgraToPlanesRow;
-  LUMAFORGE_INSTALL_LADDER(cpuFeatures, INSTALL);
-#undef INSTALL
+  *kernels = {Shuffle4Row_c, Rgb24ToBgraRow_c, BgraToRgb24Row_c, PlanesToBgraRow_c, BgraToPlanesRow_c};
+  ClimbLadder(kernels, cpuFeatures,
+              {{kCpuSSE2, sse2::InstallRgbPackKernels},
+               {kCpuSSSE3, ssse3::InstallRgbPackKernels},
+               {kCpuAVX2, avx2::InstallRgbPackKernels}});
 }
 
 }  // namespace Lumaforge

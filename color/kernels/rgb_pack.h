@@ -3,14 +3,13 @@
 // 4:2:2 pixel pairs.
 //
 // A pattern lists, for each output byte of a pixel, which input byte of the
-// same pixel it takes. Counts are pixels (any count >= 1). Vector variants
-// finish the row with the plain routine and never touch bytes past the row.
+// same pixel it takes: index[k] < 4 for a 4-byte input pixel, < 3 for a
+// 3-byte one. Vector variants hand any other pattern to the plain routine.
+// Counts are pixels, any count >= 1. No kernel reads or writes past the row.
 #ifndef LUMAFORGE_COLOR_KERNELS_RGB_PACK_H_
 #define LUMAFORGE_COLOR_KERNELS_RGB_PACK_H_
 
 #include <cstdint>
-
-#include "framework/simd_levels.h"
 
 namespace Lumaforge {
 
@@ -20,39 +19,42 @@ struct BytePattern {
 };
 
 // dst[4i + k] = src[4i + pattern.index[k]], k < 4.
-using Shuffle4RowFn = void (*)(const uint8_t* src, uint8_t* dst, BytePattern pattern, int32_t width);
+using Shuffle4RowKernel = void(const uint8_t* src, uint8_t* dst, BytePattern pattern, int32_t width);
 // bgra[4i + k] = src[3i + pattern.index[k]] for k < 3, bgra[4i + 3] = 255.
-using Rgb24ToBgraRowFn = void (*)(const uint8_t* src, uint8_t* bgra, BytePattern pattern, int32_t width);
-// dst[3i + k] = bgra[4i + pattern.index[k]], k < 3.
-using BgraToRgb24RowFn = void (*)(const uint8_t* bgra, uint8_t* dst, BytePattern pattern, int32_t width);
+using Rgb24ToBgraRowKernel = void(const uint8_t* src, uint8_t* bgra, BytePattern pattern, int32_t width);
+// dst[3i + k] = bgra[4i + pattern.index[k]], k < 3 (index[3] is not used).
+using BgraToRgb24RowKernel = void(const uint8_t* bgra, uint8_t* dst, BytePattern pattern, int32_t width);
 // bgra[4i..4i+3] = b[i], g[i], r[i], 255.
-using PlanesToBgraRowFn = void (*)(const uint8_t* r, const uint8_t* g, const uint8_t* b, uint8_t* bgra, int32_t width);
+using PlanesToBgraRowKernel = void(const uint8_t* r, const uint8_t* g, const uint8_t* b, uint8_t* bgra, int32_t width);
 // r[i], g[i], b[i] = bgra[4i + 2], bgra[4i + 1], bgra[4i].
-using BgraToPlanesRowFn = void (*)(const uint8_t* bgra, uint8_t* r, uint8_t* g, uint8_t* b, int32_t width);
+using BgraToPlanesRowKernel = void(const uint8_t* bgra, uint8_t* r, uint8_t* g, uint8_t* b, int32_t width);
 
 struct RgbPackKernels {
-  Shuffle4RowFn shuffle4Row;
-  Rgb24ToBgraRowFn rgb24ToBgraRow;
-  BgraToRgb24RowFn bgraToRgb24Row;
-  PlanesToBgraRowFn planesToBgraRow;
-  BgraToPlanesRowFn bgraToPlanesRow;
+  Shuffle4RowKernel* shuffle4Row;
+  Rgb24ToBgraRowKernel* rgb24ToBgraRow;
+  BgraToRgb24RowKernel* bgraToRgb24Row;
+  PlanesToBgraRowKernel* planesToBgraRow;
+  BgraToPlanesRowKernel* bgraToPlanesRow;
 };
 
+// Plain routines, then the best variant the feature word allows.
 void InitRgbPackKernels(RgbPackKernels* kernels, uint32_t cpuFeatures);
 
-#define LUMAFORGE_RGB_PACK_KERNELS                                                                          \
-  void Shuffle4Row(const uint8_t* src, uint8_t* dst, BytePattern pattern, int32_t width);                   \
-  void Rgb24ToBgraRow(const uint8_t* src, uint8_t* bgra, BytePattern pattern, int32_t width);               \
-  void BgraToRgb24Row(const uint8_t* bgra, uint8_t* dst, BytePattern pattern, int32_t width);               \
-  void PlanesToBgraRow(const uint8_t* r, const uint8_t* g, const uint8_t* b, uint8_t* bgra, int32_t width); \
-  void BgraToPlanesRow(const uint8_t* bgra, uint8_t* r, uint8_t* g, uint8_t* b, int32_t width);
+Shuffle4RowKernel Shuffle4Row_c;
+Rgb24ToBgraRowKernel Rgb24ToBgraRow_c;
+BgraToRgb24RowKernel BgraToRgb24Row_c;
+PlanesToBgraRowKernel PlanesToBgraRow_c;
+BgraToPlanesRowKernel BgraToPlanesRow_c;
 
-void Shuffle4Row_c(const uint8_t* src, uint8_t* dst, BytePattern pattern, int32_t width);
-void Rgb24ToBgraRow_c(const uint8_t* src, uint8_t* bgra, BytePattern pattern, int32_t width);
-void BgraToRgb24Row_c(const uint8_t* bgra, uint8_t* dst, BytePattern pattern, int32_t width);
-void PlanesToBgraRow_c(const uint8_t* r, const uint8_t* g, const uint8_t* b, uint8_t* bgra, int32_t width);
-void BgraToPlanesRow_c(const uint8_t* bgra, uint8_t* r, uint8_t* g, uint8_t* b, int32_t width);
-LUMAFORGE_DECLARE_FOR_EACH_LEVEL(LUMAFORGE_RGB_PACK_KERNELS)
+namespace sse2 {
+void InstallRgbPackKernels(RgbPackKernels* kernels);
+}  // namespace sse2
+namespace ssse3 {
+void InstallRgbPackKernels(RgbPackKernels* kernels);
+}  // namespace ssse3
+namespace avx2 {
+void InstallRgbPackKernels(RgbPackKernels* kernels);
+}  // namespace avx2
 
 }  // namespace Lumaforge
 

@@ -1,19 +1,17 @@
 #include "color/kernels/rgb_to_yuv.h"
 
 #include "framework/cpu_features.h"
+#include "framework/kernel_family.h"
 
 namespace Lumaforge {
 
 void InitRgbToYuvKernels(RgbToYuvKernels* kernels, uint32_t cpuFeatures) {
-  kernels->bgraToYRow = BgraToYRow_c;
-  kernels->bgraToUV420Row = BgraToUV420Row_c;
-  kernels->bgraToUV422Row = BgraToUV422Row_c;
-#define INSTALL(level)                             \
-  kernels->bgraToYRow = level::BgraToYRow;         \
-  kernels->bgraToUV420Row = level::BgraToUV420Row; \
-  kernels->bgraToUV422Row = level::BgraToUV422Row;
-  LUMAFORGE_INSTALL_LADDER(cpuFeatures, INSTALL);
-#undef INSTALL
+  *kernels = {BgraToYRow_c, BgraToUV420Row_c, BgraToUV422Row_c};
+  ClimbLadder(kernels, cpuFeatures,
+              {{kCpuSSE2, sse2::InstallRgbToYuvKernels},
+               {kCpuSSSE3, ssse3::InstallRgbToYuvKernels},
+               {kCpuAVX, avx::InstallRgbToYuvKernels},
+               {kCpuAVX2, avx2::InstallRgbToYuvKernels}});
 }
 
 }  // namespace Lumaforge

@@ -10,38 +10,44 @@
 // No clamping: every result lies in 16..240.
 //
 // Luma takes any width >= 1; chroma takes even widths >= 2 and writes
-// width / 2 samples. Vector variants finish the row with narrower vector
-// forms and the plain routine, and never touch bytes past the row.
+// width / 2 samples. No kernel reads or writes past the row.
 #ifndef LUMAFORGE_COLOR_KERNELS_RGB_TO_YUV_H_
 #define LUMAFORGE_COLOR_KERNELS_RGB_TO_YUV_H_
 
 #include <cstdint>
 
-#include "framework/simd_levels.h"
-
 namespace Lumaforge {
 
-using BgraToYRowFn = void (*)(const uint8_t* bgra, uint8_t* y, int32_t width);
-using BgraToUV420RowFn = void (*)(const uint8_t* bgra0, const uint8_t* bgra1, uint8_t* u, uint8_t* v, int32_t width);
-using BgraToUV422RowFn = void (*)(const uint8_t* bgra, uint8_t* u, uint8_t* v, int32_t width);
+using BgraToYRowKernel = void(const uint8_t* bgra, uint8_t* y, int32_t width);
+// bgra0 and bgra1 are the two rows of the block.
+using BgraToUV420RowKernel = void(const uint8_t* bgra0, const uint8_t* bgra1, uint8_t* u, uint8_t* v, int32_t width);
+using BgraToUV422RowKernel = void(const uint8_t* bgra, uint8_t* u, uint8_t* v, int32_t width);
 
 struct RgbToYuvKernels {
-  BgraToYRowFn bgraToYRow;
-  BgraToUV420RowFn bgraToUV420Row;  // bgra0 and bgra1 are the two rows of the block
-  BgraToUV422RowFn bgraToUV422Row;
+  BgraToYRowKernel* bgraToYRow;
+  BgraToUV420RowKernel* bgraToUV420Row;
+  BgraToUV422RowKernel* bgraToUV422Row;
 };
 
+// Plain routines, then the best variant the feature word allows.
 void InitRgbToYuvKernels(RgbToYuvKernels* kernels, uint32_t cpuFeatures);
 
-#define LUMAFORGE_RGB_TO_YUV_KERNELS                                                                      \
-  void BgraToYRow(const uint8_t* bgra, uint8_t* y, int32_t width);                                        \
-  void BgraToUV420Row(const uint8_t* bgra0, const uint8_t* bgra1, uint8_t* u, uint8_t* v, int32_t width); \
-  void BgraToUV422Row(const uint8_t* bgra, uint8_t* u, uint8_t* v, int32_t width);
+BgraToYRowKernel BgraToYRow_c;
+BgraToUV420RowKernel BgraToUV420Row_c;
+BgraToUV422RowKernel BgraToUV422Row_c;
 
-void BgraToYRow_c(const uint8_t* bgra, uint8_t* y, int32_t width);
-void BgraToUV420Row_c(const uint8_t* bgra0, const uint8_t* bgra1, uint8_t* u, uint8_t* v, int32_t width);
-void BgraToUV422Row_c(const uint8_t* bgra, uint8_t* u, uint8_t* v, int32_t width);
-LUMAFORGE_DECLARE_FOR_EACH_LEVEL(LUMAFORGE_RGB_TO_YUV_KERNELS)
+namespace sse2 {
+void InstallRgbToYuvKernels(RgbToYuvKernels* kernels);
+}  // namespace sse2
+namespace ssse3 {
+void InstallRgbToYuvKernels(RgbToYuvKernels* kernels);
+}  // namespace ssse3
+namespace avx {
+void InstallRgbToYuvKernels(RgbToYuvKernels* kernels);
+}  // namespace avx
+namespace avx2 {
+void InstallRgbToYuvKernels(RgbToYuvKernels* kernels);
+}  // namespace avx2
 
 }  // namespace Lumaforge
 

@@ -8,30 +8,37 @@
 // converters reorder them into the requested layout afterwards.
 //
 // Widths are even pixel counts >= 2; u and v hold width / 2 samples, each
-// serving two neighbouring pixels. Vector variants finish the row with the
-// plain routine and never touch bytes past the row.
+// serving two neighbouring pixels. No kernel reads or writes past the row.
 #ifndef LUMAFORGE_COLOR_KERNELS_YUV_TO_RGB_H_
 #define LUMAFORGE_COLOR_KERNELS_YUV_TO_RGB_H_
 
 #include <cstdint>
 
-#include "framework/simd_levels.h"
-
 namespace Lumaforge {
 
-using I422ToBgraRowFn = void (*)(const uint8_t* y, const uint8_t* u, const uint8_t* v, uint8_t* bgra, int32_t width);
+using I422ToBgraRowKernel = void(const uint8_t* y, const uint8_t* u, const uint8_t* v, uint8_t* bgra, int32_t width);
 
 struct YuvToRgbKernels {
-  I422ToBgraRowFn i422ToBgraRow;
+  I422ToBgraRowKernel* i422ToBgraRow;
 };
 
+// Plain routine, then the best variant the feature word allows.
 void InitYuvToRgbKernels(YuvToRgbKernels* kernels, uint32_t cpuFeatures);
 
-#define LUMAFORGE_YUV_TO_RGB_KERNELS \
-  void I422ToBgraRow(const uint8_t* y, const uint8_t* u, const uint8_t* v, uint8_t* bgra, int32_t width);
+I422ToBgraRowKernel I422ToBgraRow_c;
 
-void I422ToBgraRow_c(const uint8_t* y, const uint8_t* u, const uint8_t* v, uint8_t* bgra, int32_t width);
-LUMAFORGE_DECLARE_FOR_EACH_LEVEL(LUMAFORGE_YUV_TO_RGB_KERNELS)
+namespace sse2 {
+void InstallYuvToRgbKernels(YuvToRgbKernels* kernels);
+}  // namespace sse2
+namespace ssse3 {
+void InstallYuvToRgbKernels(YuvToRgbKernels* kernels);
+}  // namespace ssse3
+namespace avx {
+void InstallYuvToRgbKernels(YuvToRgbKernels* kernels);
+}  // namespace avx
+namespace avx2 {
+void InstallYuvToRgbKernels(YuvToRgbKernels* kernels);
+}  // namespace avx2
 
 }  // namespace Lumaforge
 

@@ -10,7 +10,7 @@ using Table = YuvToRgbKernels;
 const FamilyRegistration<Table> kRegistration{"yuv_to_rgb",
                                               InitYuvToRgbKernels,
                                               {
-                                                  Entry<Table, I422ToBgraRowFn>(
+                                                  Entry<Table, I422ToBgraRowKernel*>(
                                                       "i422_to_bgra", &Table::i422ToBgraRow,
                                                       [](const Shape& s, Buffers& b) {
                                                         b.AddInput("y", s.width, s.height);
@@ -18,7 +18,7 @@ const FamilyRegistration<Table> kRegistration{"yuv_to_rgb",
                                                         b.AddInput("v", s.width / 2, s.height);
                                                         b.AddOutput("bgra", 4 * s.width, s.height);
                                                       },
-                                                      [](I422ToBgraRowFn kernel, Buffers& b) {
+                                                      [](I422ToBgraRowKernel* kernel, Buffers& b) {
                                                         for (int32_t y = 0; y < b[0].Rows(); ++y) {
                                                           kernel(b[0].Row(y), b[1].Row(y), b[2].Row(y), b[3].Row(y),
                                                                  b[0].RowBytes());

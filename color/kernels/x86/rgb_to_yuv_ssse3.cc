@@ -1,2 +1,11 @@
-#define LUMAFORGE_SIMD_LEVEL ssse3
-#include "color/kernels/x86/rgb_to_yuv_128.h"
+#include "color/kernels/x86/rgb_to_yuv_simd.h"
+
+namespace Lumaforge::ssse3 {
+
+void InstallRgbToYuvKernels(RgbToYuvKernels* kernels) {
+  kernels->bgraToYRow = x86::BgraToYRow<x86::Vec128>;
+  kernels->bgraToUV420Row = x86::BgraToUV420Row<x86::Vec128>;
+  kernels->bgraToUV422Row = x86::BgraToUV422Row<x86::Vec128>;
+}
+
+}  // namespace Lumaforge::ssse3

@@ -1,2 +1,7 @@
-#define LUMAFORGE_SIMD_LEVEL ssse3
-#include "color/kernels/x86/yuv_to_rgb_128.h"
+#include "color/kernels/x86/yuv_to_rgb_simd.h"
+
+namespace Lumaforge::ssse3 {
+
+void InstallYuvToRgbKernels(YuvToRgbKernels* kernels) { kernels->i422ToBgraRow = x86::I422ToBgraRow<x86::Vec128>; }
+
+}  // namespace Lumaforge::ssse3

@@ -1,2 +1,0 @@
-#define LUMAFORGE_SIMD_LEVEL sse42
-#include "color/kernels/x86/yuv_to_rgb_128.h"
