@@ -3,8 +3,8 @@
 // Declaration. A family header writes each kernel signature once, as a
 // function type (`using BlendRowKernel = void(...)`), then a table of
 // pointers to those types, the plain `_c` routines declared through them,
-// and one installer per level that has variants of its own
-// (`namespace avx2 { void InstallAlphaBlendKernels(AlphaBlendKernels*); }`).
+// and one installer per level that has variants of its own, declared with
+// LUMAFORGE_KERNEL_LEVEL(avx2, AlphaBlendKernels).
 // A level's file keeps its kernels to itself; its installer assigns the
 // slots that level makes faster and leaves the others as they are.
 //
@@ -23,6 +23,12 @@
 #include <type_traits>
 
 namespace Lumaforge {
+
+// Declares `level::Install(Table*)`, which the level's own file defines.
+#define LUMAFORGE_KERNEL_LEVEL(level, Table) \
+  namespace level {                          \
+  void Install(Table* kernels);              \
+  }
 
 template <typename Table>
 struct LadderStep {

@@ -7,8 +7,7 @@ namespace Lumaforge {
 
 void InitAlphaBlendKernels(AlphaBlendKernels* kernels, uint32_t cpuFeatures) {
   *kernels = {BlendRgb32Row_c, BlendPlaneRow_c, BlendChromaRow_c};
-  ClimbLadder(kernels, cpuFeatures,
-              {{kCpuSSE2, sse2::InstallAlphaBlendKernels}, {kCpuAVX2, avx2::InstallAlphaBlendKernels}});
+  ClimbLadder(kernels, cpuFeatures, {{kCpuSSE2, sse2::Install}, {kCpuAVX2, avx2::Install}});
 }
 
 }  // namespace Lumaforge

@@ -9,6 +9,8 @@
 
 #include <cstdint>
 
+#include "framework/kernel_family.h"
+
 namespace Lumaforge {
 
 using BlendRowKernel = void(const uint8_t* in, uint8_t* out, const uint8_t* alpha, int32_t width);
@@ -27,12 +29,9 @@ void InitAlphaBlendKernels(AlphaBlendKernels* kernels, uint32_t cpuFeatures);
 
 BlendRowKernel BlendRgb32Row_c, BlendPlaneRow_c, BlendChromaRow_c;
 
-namespace sse2 {
-void InstallAlphaBlendKernels(AlphaBlendKernels* kernels);
-}  // namespace sse2
-namespace avx2 {
-void InstallAlphaBlendKernels(AlphaBlendKernels* kernels);
-}  // namespace avx2
+// Levels with variants of their own; each level's file defines its installer.
+LUMAFORGE_KERNEL_LEVEL(sse2, AlphaBlendKernels)
+LUMAFORGE_KERNEL_LEVEL(avx2, AlphaBlendKernels)
 
 }  // namespace Lumaforge
 

@@ -7,8 +7,7 @@ namespace Lumaforge {
 
 void InitChromaInterleaveKernels(ChromaInterleaveKernels* kernels, uint32_t cpuFeatures) {
   *kernels = {MergeUVRow_c, SplitUVRow_c, EvenSamplesRow_c};
-  ClimbLadder(kernels, cpuFeatures,
-              {{kCpuSSE2, sse2::InstallChromaInterleaveKernels}, {kCpuAVX2, avx2::InstallChromaInterleaveKernels}});
+  ClimbLadder(kernels, cpuFeatures, {{kCpuSSE2, sse2::Install}, {kCpuAVX2, avx2::Install}});
 }
 
 }  // namespace Lumaforge

@@ -10,6 +10,8 @@
 
 #include <cstdint>
 
+#include "framework/kernel_family.h"
+
 namespace Lumaforge {
 
 using MergeUVRowKernel = void(const uint8_t* u, const uint8_t* v, uint8_t* uv, int32_t width);
@@ -29,12 +31,9 @@ MergeUVRowKernel MergeUVRow_c;
 SplitUVRowKernel SplitUVRow_c;
 EvenSamplesRowKernel EvenSamplesRow_c;
 
-namespace sse2 {
-void InstallChromaInterleaveKernels(ChromaInterleaveKernels* kernels);
-}  // namespace sse2
-namespace avx2 {
-void InstallChromaInterleaveKernels(ChromaInterleaveKernels* kernels);
-}  // namespace avx2
+// Levels with variants of their own; each level's file defines its installer.
+LUMAFORGE_KERNEL_LEVEL(sse2, ChromaInterleaveKernels)
+LUMAFORGE_KERNEL_LEVEL(avx2, ChromaInterleaveKernels)
 
 }  // namespace Lumaforge
 

@@ -13,6 +13,8 @@
 
 #include <cstdint>
 
+#include "framework/kernel_family.h"
+
 #include "framework/formats.h"
 
 namespace Lumaforge {
@@ -37,15 +39,10 @@ Packed422ToPlanesRowKernel Packed422ToPlanesRow_c;
 PlanesToPacked422RowKernel PlanesToPacked422Row_c;
 AverageRowsKernel AverageRows_c;
 
-namespace sse2 {
-void InstallPacked422Kernels(Packed422Kernels* kernels);
-}  // namespace sse2
-namespace ssse3 {
-void InstallPacked422Kernels(Packed422Kernels* kernels);
-}  // namespace ssse3
-namespace avx2 {
-void InstallPacked422Kernels(Packed422Kernels* kernels);
-}  // namespace avx2
+// Levels with variants of their own; each level's file defines its installer.
+LUMAFORGE_KERNEL_LEVEL(sse2, Packed422Kernels)
+LUMAFORGE_KERNEL_LEVEL(ssse3, Packed422Kernels)
+LUMAFORGE_KERNEL_LEVEL(avx2, Packed422Kernels)
 
 }  // namespace Lumaforge
 

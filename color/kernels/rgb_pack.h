@@ -11,6 +11,8 @@
 
 #include <cstdint>
 
+#include "framework/kernel_family.h"
+
 namespace Lumaforge {
 
 // Output byte k of a pixel is input byte index[k] of that pixel.
@@ -46,15 +48,10 @@ BgraToRgb24RowKernel BgraToRgb24Row_c;
 PlanesToBgraRowKernel PlanesToBgraRow_c;
 BgraToPlanesRowKernel BgraToPlanesRow_c;
 
-namespace sse2 {
-void InstallRgbPackKernels(RgbPackKernels* kernels);
-}  // namespace sse2
-namespace ssse3 {
-void InstallRgbPackKernels(RgbPackKernels* kernels);
-}  // namespace ssse3
-namespace avx2 {
-void InstallRgbPackKernels(RgbPackKernels* kernels);
-}  // namespace avx2
+// Levels with variants of their own; each level's file defines its installer.
+LUMAFORGE_KERNEL_LEVEL(sse2, RgbPackKernels)
+LUMAFORGE_KERNEL_LEVEL(ssse3, RgbPackKernels)
+LUMAFORGE_KERNEL_LEVEL(avx2, RgbPackKernels)
 
 }  // namespace Lumaforge
 

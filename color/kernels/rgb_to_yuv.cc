@@ -7,11 +7,9 @@ namespace Lumaforge {
 
 void InitRgbToYuvKernels(RgbToYuvKernels* kernels, uint32_t cpuFeatures) {
   *kernels = {BgraToYRow_c, BgraToUV420Row_c, BgraToUV422Row_c};
-  ClimbLadder(kernels, cpuFeatures,
-              {{kCpuSSE2, sse2::InstallRgbToYuvKernels},
-               {kCpuSSSE3, ssse3::InstallRgbToYuvKernels},
-               {kCpuAVX, avx::InstallRgbToYuvKernels},
-               {kCpuAVX2, avx2::InstallRgbToYuvKernels}});
+  ClimbLadder(
+      kernels, cpuFeatures,
+      {{kCpuSSE2, sse2::Install}, {kCpuSSSE3, ssse3::Install}, {kCpuAVX, avx::Install}, {kCpuAVX2, avx2::Install}});
 }
 
 }  // namespace Lumaforge

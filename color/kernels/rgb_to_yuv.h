@@ -16,6 +16,8 @@
 
 #include <cstdint>
 
+#include "framework/kernel_family.h"
+
 namespace Lumaforge {
 
 using BgraToYRowKernel = void(const uint8_t* bgra, uint8_t* y, int32_t width);
@@ -36,18 +38,11 @@ BgraToYRowKernel BgraToYRow_c;
 BgraToUV420RowKernel BgraToUV420Row_c;
 BgraToUV422RowKernel BgraToUV422Row_c;
 
-namespace sse2 {
-void InstallRgbToYuvKernels(RgbToYuvKernels* kernels);
-}  // namespace sse2
-namespace ssse3 {
-void InstallRgbToYuvKernels(RgbToYuvKernels* kernels);
-}  // namespace ssse3
-namespace avx {
-void InstallRgbToYuvKernels(RgbToYuvKernels* kernels);
-}  // namespace avx
-namespace avx2 {
-void InstallRgbToYuvKernels(RgbToYuvKernels* kernels);
-}  // namespace avx2
+// Levels with variants of their own; each level's file defines its installer.
+LUMAFORGE_KERNEL_LEVEL(sse2, RgbToYuvKernels)
+LUMAFORGE_KERNEL_LEVEL(ssse3, RgbToYuvKernels)
+LUMAFORGE_KERNEL_LEVEL(avx, RgbToYuvKernels)
+LUMAFORGE_KERNEL_LEVEL(avx2, RgbToYuvKernels)
 
 }  // namespace Lumaforge
 

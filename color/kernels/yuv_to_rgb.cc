@@ -7,11 +7,9 @@ namespace Lumaforge {
 
 void InitYuvToRgbKernels(YuvToRgbKernels* kernels, uint32_t cpuFeatures) {
   *kernels = {I422ToBgraRow_c};
-  ClimbLadder(kernels, cpuFeatures,
-              {{kCpuSSE2, sse2::InstallYuvToRgbKernels},
-               {kCpuSSSE3, ssse3::InstallYuvToRgbKernels},
-               {kCpuAVX, avx::InstallYuvToRgbKernels},
-               {kCpuAVX2, avx2::InstallYuvToRgbKernels}});
+  ClimbLadder(
+      kernels, cpuFeatures,
+      {{kCpuSSE2, sse2::Install}, {kCpuSSSE3, ssse3::Install}, {kCpuAVX, avx::Install}, {kCpuAVX2, avx2::Install}});
 }
 
 }  // namespace Lumaforge

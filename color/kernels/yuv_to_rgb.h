@@ -14,6 +14,8 @@
 
 #include <cstdint>
 
+#include "framework/kernel_family.h"
+
 namespace Lumaforge {
 
 using I422ToBgraRowKernel = void(const uint8_t* y, const uint8_t* u, const uint8_t* v, uint8_t* bgra, int32_t width);
@@ -27,18 +29,11 @@ void InitYuvToRgbKernels(YuvToRgbKernels* kernels, uint32_t cpuFeatures);
 
 I422ToBgraRowKernel I422ToBgraRow_c;
 
-namespace sse2 {
-void InstallYuvToRgbKernels(YuvToRgbKernels* kernels);
-}  // namespace sse2
-namespace ssse3 {
-void InstallYuvToRgbKernels(YuvToRgbKernels* kernels);
-}  // namespace ssse3
-namespace avx {
-void InstallYuvToRgbKernels(YuvToRgbKernels* kernels);
-}  // namespace avx
-namespace avx2 {
-void InstallYuvToRgbKernels(YuvToRgbKernels* kernels);
-}  // namespace avx2
+// Levels with variants of their own; each level's file defines its installer.
+LUMAFORGE_KERNEL_LEVEL(sse2, YuvToRgbKernels)
+LUMAFORGE_KERNEL_LEVEL(ssse3, YuvToRgbKernels)
+LUMAFORGE_KERNEL_LEVEL(avx, YuvToRgbKernels)
+LUMAFORGE_KERNEL_LEVEL(avx2, YuvToRgbKernels)
 
 }  // namespace Lumaforge
 

@@ -8,11 +8,11 @@ namespace Lumaforge {
 void InitColorEffectKernels(ColorEffectKernels* kernels, uint32_t cpuFeatures) {
   *kernels = {RotateHue_c, Sepia_c};
   ClimbLadder(kernels, cpuFeatures,
-              {{kCpuSSE2, sse2::InstallColorEffectKernels},
-               {kCpuSSSE3, ssse3::InstallColorEffectKernels},
-               {kCpuSSE42, sse42::InstallColorEffectKernels},
-               {kCpuAVX, avx::InstallColorEffectKernels},
-               {kCpuAVX2, avx2::InstallColorEffectKernels}});
+              {{kCpuSSE2, sse2::Install},
+               {kCpuSSSE3, ssse3::Install},
+               {kCpuSSE42, sse42::Install},
+               {kCpuAVX, avx::Install},
+               {kCpuAVX2, avx2::Install}});
 }
 
 }  // namespace Lumaforge

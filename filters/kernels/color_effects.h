@@ -8,6 +8,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "framework/kernel_family.h"
+
 namespace Lumaforge {
 
 // Rotates (U, V) pairs about (128, 128), in place, in single precision:
@@ -31,21 +33,12 @@ void InitColorEffectKernels(ColorEffectKernels* kernels, uint32_t cpuFeatures);
 RotateHueKernel RotateHue_c;
 SepiaKernel Sepia_c;
 
-namespace sse2 {
-void InstallColorEffectKernels(ColorEffectKernels* kernels);
-}  // namespace sse2
-namespace ssse3 {
-void InstallColorEffectKernels(ColorEffectKernels* kernels);
-}  // namespace ssse3
-namespace sse42 {
-void InstallColorEffectKernels(ColorEffectKernels* kernels);
-}  // namespace sse42
-namespace avx {
-void InstallColorEffectKernels(ColorEffectKernels* kernels);
-}  // namespace avx
-namespace avx2 {
-void InstallColorEffectKernels(ColorEffectKernels* kernels);
-}  // namespace avx2
+// Levels with variants of their own; each level's file defines its installer.
+LUMAFORGE_KERNEL_LEVEL(sse2, ColorEffectKernels)
+LUMAFORGE_KERNEL_LEVEL(ssse3, ColorEffectKernels)
+LUMAFORGE_KERNEL_LEVEL(sse42, ColorEffectKernels)
+LUMAFORGE_KERNEL_LEVEL(avx, ColorEffectKernels)
+LUMAFORGE_KERNEL_LEVEL(avx2, ColorEffectKernels)
 
 }  // namespace Lumaforge
 

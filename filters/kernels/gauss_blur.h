@@ -25,6 +25,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "framework/kernel_family.h"
+
 namespace Lumaforge {
 
 struct DericheCoefficients {
@@ -66,18 +68,11 @@ GaussColumnPassKernel GaussColumnPass1_c, GaussColumnPass4_c;
 GaussRowRangeKernel GaussRowRange1_c, GaussRowRange4_c;
 GaussColumnRangeKernel GaussColumnRange1_c, GaussColumnRange4_c;
 
-namespace sse2 {
-void InstallGaussBlurKernels(GaussBlurKernels* kernels);
-}  // namespace sse2
-namespace sse42 {
-void InstallGaussBlurKernels(GaussBlurKernels* kernels);
-}  // namespace sse42
-namespace avx {
-void InstallGaussBlurKernels(GaussBlurKernels* kernels);
-}  // namespace avx
-namespace avx2 {
-void InstallGaussBlurKernels(GaussBlurKernels* kernels);
-}  // namespace avx2
+// Levels with variants of their own; each level's file defines its installer.
+LUMAFORGE_KERNEL_LEVEL(sse2, GaussBlurKernels)
+LUMAFORGE_KERNEL_LEVEL(sse42, GaussBlurKernels)
+LUMAFORGE_KERNEL_LEVEL(avx, GaussBlurKernels)
+LUMAFORGE_KERNEL_LEVEL(avx2, GaussBlurKernels)
 
 }  // namespace Lumaforge
 

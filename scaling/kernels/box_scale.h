@@ -19,6 +19,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "framework/kernel_family.h"
+
 namespace Lumaforge {
 
 // out = (((c + d + 1) >> 1) + ((a + b + 1) >> 1) + 1) >> 1 over the block a b / c d.
@@ -81,21 +83,12 @@ PackedBilinearSpan PackedBilinearSpan_c;
 // SSSE3 0x200, AVX 0x800, AVX2 0x40000; SSE4.1 builds were no faster than
 // SSSE3 and have none). x86-64 processors all have SSE2, so the SSE-bit
 // forms use SSE2 too.
-namespace sse {
-void InstallBoxScaleKernels(BoxScaleKernels* kernels);
-}  // namespace sse
-namespace sse2 {
-void InstallBoxScaleKernels(BoxScaleKernels* kernels);
-}  // namespace sse2
-namespace ssse3 {
-void InstallBoxScaleKernels(BoxScaleKernels* kernels);
-}  // namespace ssse3
-namespace avx {
-void InstallBoxScaleKernels(BoxScaleKernels* kernels);
-}  // namespace avx
-namespace avx2 {
-void InstallBoxScaleKernels(BoxScaleKernels* kernels);
-}  // namespace avx2
+// Levels with variants of their own; each level's file defines its installer.
+LUMAFORGE_KERNEL_LEVEL(sse, BoxScaleKernels)
+LUMAFORGE_KERNEL_LEVEL(sse2, BoxScaleKernels)
+LUMAFORGE_KERNEL_LEVEL(ssse3, BoxScaleKernels)
+LUMAFORGE_KERNEL_LEVEL(avx, BoxScaleKernels)
+LUMAFORGE_KERNEL_LEVEL(avx2, BoxScaleKernels)
 
 }  // namespace Lumaforge
 

@@ -12,6 +12,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "framework/kernel_family.h"
+
 namespace Lumaforge {
 
 // Rows j of `width` samples, firstRow <= j < min(firstRow + rowCount,
@@ -50,18 +52,11 @@ HalfBandHorizontalKernel HalfBandHorizontal_c;
 FourTapVerticalKernel FourTapVertical_c;
 FourTapHorizontalKernel FourTapHorizontal_c;
 
-namespace sse2 {
-void InstallMultiTapScaleKernels(MultiTapScaleKernels* kernels);
-}  // namespace sse2
-namespace ssse3 {
-void InstallMultiTapScaleKernels(MultiTapScaleKernels* kernels);
-}  // namespace ssse3
-namespace avx {
-void InstallMultiTapScaleKernels(MultiTapScaleKernels* kernels);
-}  // namespace avx
-namespace avx2 {
-void InstallMultiTapScaleKernels(MultiTapScaleKernels* kernels);
-}  // namespace avx2
+// Levels with variants of their own; each level's file defines its installer.
+LUMAFORGE_KERNEL_LEVEL(sse2, MultiTapScaleKernels)
+LUMAFORGE_KERNEL_LEVEL(ssse3, MultiTapScaleKernels)
+LUMAFORGE_KERNEL_LEVEL(avx, MultiTapScaleKernels)
+LUMAFORGE_KERNEL_LEVEL(avx2, MultiTapScaleKernels)
 
 }  // namespace Lumaforge
 

@@ -3,7 +3,7 @@
 namespace Lumaforge::avx2 {
 
 // Splitting is bound by memory at either width, so its 128-bit form stays.
-void InstallChromaInterleaveKernels(ChromaInterleaveKernels* kernels) {
+void Install(ChromaInterleaveKernels* kernels) {
   kernels->mergeUVRow = x86::MergeUVRow<x86::Vec256>;
   kernels->evenSamplesRow = x86::EvenSamplesRow<x86::Vec256>;
 }

@@ -2,7 +2,7 @@
 
 namespace Lumaforge::avx2 {
 
-void InstallPacked422Kernels(Packed422Kernels* kernels) {
+void Install(Packed422Kernels* kernels) {
   kernels->packed422ToPlanesRow = x86::Packed422ToPlanesRow<x86::Vec256>;
   kernels->planesToPacked422Row = x86::PlanesToPacked422Row<x86::Vec256>;
   kernels->averageRows = x86::AverageRows<x86::Vec256>;

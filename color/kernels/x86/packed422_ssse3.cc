@@ -32,6 +32,6 @@ void ShuffleSplitRow(const uint8_t* src, uint8_t* y, uint8_t* u, uint8_t* v, Pac
 }  // namespace
 
 // Merging and averaging need no byte shuffle: their SSE2 builds stay.
-void InstallPacked422Kernels(Packed422Kernels* kernels) { kernels->packed422ToPlanesRow = ShuffleSplitRow; }
+void Install(Packed422Kernels* kernels) { kernels->packed422ToPlanesRow = ShuffleSplitRow; }
 
 }  // namespace Lumaforge::ssse3

@@ -197,7 +197,7 @@ void BgraToPlanesRow(const uint8_t* bgra, uint8_t* r, uint8_t* g, uint8_t* b, in
 
 }  // namespace
 
-void InstallRgbPackKernels(RgbPackKernels* kernels) {
+void Install(RgbPackKernels* kernels) {
   kernels->shuffle4Row = Shuffle4Row;
   kernels->rgb24ToBgraRow = Rgb24ToBgraRow;
   kernels->bgraToRgb24Row = BgraToRgb24Row;

@@ -102,7 +102,7 @@ void BgraToUV422Row(const uint8_t* bgra, uint8_t* u, uint8_t* v, int32_t width) 
 
 }  // namespace
 
-void InstallRgbToYuvKernels(RgbToYuvKernels* kernels) {
+void Install(RgbToYuvKernels* kernels) {
   kernels->bgraToYRow = BgraToYRow;
   kernels->bgraToUV420Row = BgraToUV420Row;
   kernels->bgraToUV422Row = BgraToUV422Row;

@@ -4,6 +4,6 @@ namespace Lumaforge::avx {
 
 // The 128-bit body built with VEX encodings (three-operand forms, no register
 // copies) is faster than its SSSE3 build.
-void InstallYuvToRgbKernels(YuvToRgbKernels* kernels) { kernels->i422ToBgraRow = x86::I422ToBgraRow<x86::Vec128>; }
+void Install(YuvToRgbKernels* kernels) { kernels->i422ToBgraRow = x86::I422ToBgraRow<x86::Vec128>; }
 
 }  // namespace Lumaforge::avx

@@ -2,6 +2,6 @@
 
 namespace Lumaforge::avx2 {
 
-void InstallYuvToRgbKernels(YuvToRgbKernels* kernels) { kernels->i422ToBgraRow = x86::I422ToBgraRow<x86::Vec256>; }
+void Install(YuvToRgbKernels* kernels) { kernels->i422ToBgraRow = x86::I422ToBgraRow<x86::Vec256>; }
 
 }  // namespace Lumaforge::avx2

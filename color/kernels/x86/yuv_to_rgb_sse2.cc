@@ -34,6 +34,6 @@ void I422ToBgraRow(const uint8_t* y, const uint8_t* u, const uint8_t* v, uint8_t
 
 }  // namespace
 
-void InstallYuvToRgbKernels(YuvToRgbKernels* kernels) { kernels->i422ToBgraRow = I422ToBgraRow; }
+void Install(YuvToRgbKernels* kernels) { kernels->i422ToBgraRow = I422ToBgraRow; }
 
 }  // namespace Lumaforge::sse2

@@ -2,6 +2,6 @@
 
 namespace Lumaforge::ssse3 {
 
-void InstallYuvToRgbKernels(YuvToRgbKernels* kernels) { kernels->i422ToBgraRow = x86::I422ToBgraRow<x86::Vec128>; }
+void Install(YuvToRgbKernels* kernels) { kernels->i422ToBgraRow = x86::I422ToBgraRow<x86::Vec128>; }
 
 }  // namespace Lumaforge::ssse3

@@ -4,6 +4,6 @@ namespace Lumaforge::avx {
 
 // The VEX encoding's three-operand forms save sepia's register copies; the
 // hue rotation gains nothing and stays with SSE2.
-void InstallColorEffectKernels(ColorEffectKernels* kernels) { kernels->sepia = x86::Sepia<x86::Effects128>; }
+void Install(ColorEffectKernels* kernels) { kernels->sepia = x86::Sepia<x86::Effects128>; }
 
 }  // namespace Lumaforge::avx

@@ -2,7 +2,7 @@
 
 namespace Lumaforge::avx2 {
 
-void InstallColorEffectKernels(ColorEffectKernels* kernels) {
+void Install(ColorEffectKernels* kernels) {
   kernels->rotateHue = x86::RotateHue<x86::Effects256>;
   kernels->sepia = x86::Sepia<x86::Effects256>;
 }

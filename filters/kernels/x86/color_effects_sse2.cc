@@ -4,7 +4,7 @@ namespace Lumaforge::sse2 {
 
 // Later 128-bit builds of the hue rotation are no faster, so this one
 // serves up to AVX.
-void InstallColorEffectKernels(ColorEffectKernels* kernels) {
+void Install(ColorEffectKernels* kernels) {
   kernels->rotateHue = x86::RotateHue<x86::Effects128>;
   kernels->sepia = x86::Sepia<x86::Effects128>;
 }

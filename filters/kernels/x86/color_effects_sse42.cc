@@ -4,6 +4,6 @@ namespace Lumaforge::sse42 {
 
 // Sepia gathers its channels with blendv here; the hue rotation gains
 // nothing and stays with SSE2.
-void InstallColorEffectKernels(ColorEffectKernels* kernels) { kernels->sepia = x86::Sepia<x86::Effects128>; }
+void Install(ColorEffectKernels* kernels) { kernels->sepia = x86::Sepia<x86::Effects128>; }
 
 }  // namespace Lumaforge::sse42

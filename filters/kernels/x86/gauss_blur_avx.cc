@@ -4,7 +4,7 @@ namespace Lumaforge::avx {
 
 // The 128-bit passes in VEX encoding: the three-operand forms save register
 // copies in the recursion steps.
-void InstallGaussBlurKernels(GaussBlurKernels* kernels) {
+void Install(GaussBlurKernels* kernels) {
   kernels->rowPass4 = x86::GaussRowPass4<x86::Floats128>;
   kernels->columnPass4 = x86::GaussColumnPass4<x86::Floats128>;
 }

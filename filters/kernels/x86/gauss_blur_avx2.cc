@@ -258,7 +258,7 @@ void GaussColumnPass1(const float* transposed, int32_t width, int32_t height, co
 
 namespace Lumaforge::avx2 {
 
-void InstallGaussBlurKernels(GaussBlurKernels* kernels) {
+void Install(GaussBlurKernels* kernels) {
   kernels->rowPass1 = x86::GaussRowPass1;
   kernels->columnPass1 = x86::GaussColumnPass1;
   kernels->rowPass4 = x86::GaussRowPass4<x86::Floats256>;

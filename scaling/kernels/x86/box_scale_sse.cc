@@ -3,7 +3,7 @@
 namespace Lumaforge::sse {
 
 // Unaligned loads cost nothing extra on aligned rows, so both step-2 entries share one body.
-void InstallBoxScaleKernels(BoxScaleKernels* kernels) {
+void Install(BoxScaleKernels* kernels) {
   kernels->halfAligned = x86::BoxScale<x86::HalfByWords>;
   kernels->halfUnaligned = x86::BoxScale<x86::HalfByWords>;
   kernels->quarter = x86::BoxScale<x86::QuarterByWords>;

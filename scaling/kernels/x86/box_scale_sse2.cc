@@ -2,7 +2,7 @@
 
 namespace Lumaforge::sse2 {
 
-void InstallBoxScaleKernels(BoxScaleKernels* kernels) {
+void Install(BoxScaleKernels* kernels) {
   kernels->generalLuma = x86::BilinearPlane<x86::Vec128, false>;
   kernels->generalChroma = x86::BilinearPlane<x86::Vec128, true>;
   kernels->packedHalf = x86::PackedHalf<x86::Half24ByMasks, x86::Half32<x86::Vec128>>;

@@ -4,7 +4,7 @@ namespace Lumaforge::ssse3 {
 
 // Byte shuffles for the box steps and 3-byte pixels. The plane bilinears
 // stay with SSE2: built here they measured no faster (luma slower).
-void InstallBoxScaleKernels(BoxScaleKernels* kernels) {
+void Install(BoxScaleKernels* kernels) {
   kernels->halfAligned = x86::BoxScale<x86::HalfByShuffle>;
   kernels->halfUnaligned = x86::BoxScale<x86::HalfByShuffle>;
   kernels->third = x86::BoxScale<x86::ThirdByShuffle>;

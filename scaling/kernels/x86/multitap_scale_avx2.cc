@@ -85,7 +85,7 @@ void FourTapHorizontal16(const uint8_t* line, uint8_t* dst, int32_t width, int32
 
 namespace Lumaforge::avx2 {
 
-void InstallMultiTapScaleKernels(MultiTapScaleKernels* kernels) {
+void Install(MultiTapScaleKernels* kernels) {
   kernels->halfBandVertical = x86::HalfBandVertical<x86::Vec256>;
   kernels->halfBandHorizontal = x86::HalfBandHorizontal<x86::Vec256>;
   kernels->fourTapVertical = x86::FourTapVertical<x86::Vec256>;

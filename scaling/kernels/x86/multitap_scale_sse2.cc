@@ -164,7 +164,7 @@ void FourTapHorizontalSse2(const uint8_t* line, uint8_t* dst, int32_t width, int
 
 namespace Lumaforge::sse2 {
 
-void InstallMultiTapScaleKernels(MultiTapScaleKernels* kernels) {
+void Install(MultiTapScaleKernels* kernels) {
   kernels->halfBandVertical = x86::HalfBandVerticalSse2;
   kernels->halfBandHorizontal = x86::HalfBandHorizontalSse2;
   kernels->fourTapVertical = x86::FourTapVerticalSse2;
