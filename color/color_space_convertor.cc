@@ -93,8 +93,6 @@ CColorSpaceConvertor::CColorSpaceConvertor(uint32_t cpuFeatures) {
 
 int32_t CColorSpaceConvertor::Init(void* /*config*/, uint8_t /*flag*/) { return LF_OK; }
 
-int32_t CColorSpaceConvertor::SetParam(ParamId /*id*/, void* value) { return value ? LF_OK : LF_INVALID_PARAMETER; }
-
 int32_t CColorSpaceConvertor::GetParam(ParamId /*id*/, void* /*value*/) { return LF_OK; }
 
 int32_t CColorSpaceConvertor::Process(VideoPicture* input, VideoPicture* output) {

@@ -28,8 +28,7 @@ class CColorSpaceConvertor : public CLumaforgeFramework {
   int32_t Init(void* config, uint8_t flag) override;
   // Clears bit 0 of both records' width and height in place, then converts.
   int32_t Process(VideoPicture* input, VideoPicture* output) override;
-  // Accepts any id with a value and changes nothing: no conversion has a parameter.
-  int32_t SetParam(ParamId id, void* value) override;
+  // Answers 0 to every id, without a value: conversions are not timed.
   int32_t GetParam(ParamId id, void* value) override;
 
  private:

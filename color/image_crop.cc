@@ -22,8 +22,6 @@ CImageCrop::CImageCrop(uint32_t /*cpuFeatures*/) {
   CreateLogger();
 }
 
-CImageCrop::~CImageCrop() { ResetTiming(); }
-
 int32_t CImageCrop::Init(void* config, uint8_t /*flag*/) {
   if (config) memcpy_s(&m_config, sizeof(m_config), config, sizeof(CropConfig));
   return LF_OK;
@@ -37,12 +35,6 @@ int32_t CImageCrop::Uninit() {
 int32_t CImageCrop::SetParam(ParamId id, void* value) {
   if (!value) return LF_INVALID_PARAMETER;
   if (id == LF_PARAM_CROP_CONFIG) memcpy_s(&m_config, sizeof(m_config), value, sizeof(CropConfig));
-  return LF_OK;
-}
-
-int32_t CImageCrop::GetParam(ParamId id, void* value) {
-  if (!value) return LF_INVALID_PARAMETER;
-  AnswerTimePerFrame(id, value);
   return LF_OK;
 }
 

@@ -14,7 +14,6 @@ struct CropRectangle {
 class CImageCrop : public CLumaforgeFramework {
  public:
   explicit CImageCrop(uint32_t cpuFeatures);
-  ~CImageCrop() override;
 
   // `config` is a CropConfig; null keeps the previous one.
   int32_t Init(void* config, uint8_t flag) override;
@@ -22,8 +21,8 @@ class CImageCrop : public CLumaforgeFramework {
   // The output gets the input's format word and strides, the rectangle's size
   // and plane pointers into the input's memory.
   int32_t Process(VideoPicture* input, VideoPicture* output) override;
+  // LF_PARAM_CROP_CONFIG replaces the configuration.
   int32_t SetParam(ParamId id, void* value) override;
-  int32_t GetParam(ParamId id, void* value) override;
 
  private:
   // Fits the configuration to a picture; false when it does not apply.

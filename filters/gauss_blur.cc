@@ -33,8 +33,6 @@ CGaussBlur::CGaussBlur(uint32_t cpuFeatures) {
   InitGaussBlurKernels(&m_kernels, cpuFeatures);
 }
 
-CGaussBlur::~CGaussBlur() { FreeBuffers(); }
-
 void CGaussBlur::SetSigma(float sigma) {
   m_fSigma = sigma < kMinGaussSigma ? kMinGaussSigma : sigma;
   m_coefficients = ComputeDericheCoefficients(m_fSigma);

@@ -15,7 +15,6 @@ namespace Lumaforge {
 class CGaussBlur : public CLumaforgeFramework {
  public:
   explicit CGaussBlur(uint32_t cpuFeatures);
-  ~CGaussBlur() override;
 
   // `config` points to the float sigma; null keeps the current one.
   int32_t Init(void* config, uint8_t flag) override;

@@ -16,8 +16,6 @@ CVideoFilter::CVideoFilter(uint32_t cpuFeatures) : m_uCpuFeatures(cpuFeatures) {
   CreateLogger();
 }
 
-CVideoFilter::~CVideoFilter() { FreeWorkBuffers(); }
-
 int32_t CVideoFilter::Init(void* config, uint8_t /*flag*/) {
   if (config) {
     VideoFilterConfig c;
@@ -50,12 +48,6 @@ int32_t CVideoFilter::Uninit() {
 int32_t CVideoFilter::SetParam(ParamId id, void* value) {
   if (!value) return LF_INVALID_PARAMETER;
   if (id == LF_PARAM_VIDEO_EFFECT) std::memcpy(&m_uEffect, value, sizeof(m_uEffect));
-  return LF_OK;
-}
-
-int32_t CVideoFilter::GetParam(ParamId id, void* value) {
-  if (!value) return LF_INVALID_PARAMETER;
-  AnswerTimePerFrame(id, value);
   return LF_OK;
 }
 

@@ -17,7 +17,6 @@ namespace Lumaforge {
 class CVideoFilter : public CLumaforgeFramework {
  public:
   explicit CVideoFilter(uint32_t cpuFeatures);
-  ~CVideoFilter() override;
 
   // `config` is a VideoFilterConfig (format must be I420) or null.
   int32_t Init(void* config, uint8_t flag) override;
@@ -27,7 +26,6 @@ class CVideoFilter : public CLumaforgeFramework {
   int32_t Process(VideoPicture* input, VideoPicture* output) override;
   // LF_PARAM_VIDEO_EFFECT sets the effect (uint32_t).
   int32_t SetParam(ParamId id, void* value) override;
-  int32_t GetParam(ParamId id, void* value) override;
 
  private:
   int32_t EnsureWorkBuffers(uint32_t lumaStride, uint32_t height);

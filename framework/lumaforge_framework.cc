@@ -52,6 +52,14 @@ void CLumaforgeFramework::AnswerTimePerFrame(ParamId id, void* value) const {
   std::memcpy(value, &us, sizeof(us));
 }
 
+int32_t CLumaforgeFramework::SetParam(ParamId /*id*/, void* value) { return value ? LF_OK : LF_INVALID_PARAMETER; }
+
+int32_t CLumaforgeFramework::GetParam(ParamId id, void* value) {
+  if (!value) return LF_INVALID_PARAMETER;
+  AnswerTimePerFrame(id, value);
+  return LF_OK;
+}
+
 void CLumaforgeFramework::LogFrameTiming(TimingRecord* record) {
   if (!record || !m_pLogger) return;
   const int64_t now = NowMilliseconds();

@@ -30,8 +30,10 @@ class CLumaforgeFramework {
   // Frees what the filter holds; filters without buffers keep this answer.
   virtual int32_t Uninit() { return LF_OK; }
   virtual int32_t Process(VideoPicture* input, VideoPicture* output) = 0;
-  virtual int32_t SetParam(ParamId id, void* value) = 0;
-  virtual int32_t GetParam(ParamId id, void* value) = 0;
+  // The answers of a filter without parameters of its own: a value is
+  // needed, SetParam changes nothing, GetParam gives the time per frame.
+  virtual int32_t SetParam(ParamId id, void* value);
+  virtual int32_t GetParam(ParamId id, void* value);
   // Writes "%f ms per frame" when more than the log interval has passed
   // since the record's interval began, then starts a new interval.
   virtual void LogFrameTiming(TimingRecord* record);

@@ -51,11 +51,6 @@ CDownsampling::CDownsampling(uint32_t cpuFeatures) {
   MakeFourTapPhaseTable(m_PhaseTable);
 }
 
-CDownsampling::~CDownsampling() {
-  ReleaseBuffers();
-  ResetTiming();
-}
-
 int32_t CDownsampling::Init(void* /*config*/, uint8_t flag) {
   m_bCallerBuffers = flag != 0;
   return LF_OK;

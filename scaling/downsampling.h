@@ -31,7 +31,6 @@ struct PlaneView {
 class CDownsampling : public CLumaforgeFramework {
  public:
   explicit CDownsampling(uint32_t cpuFeatures);
-  ~CDownsampling() override;
 
   // A non-zero flag selects the caller-buffer mode: results go straight to
   // the caller's aligned output planes. Otherwise the output record receives
