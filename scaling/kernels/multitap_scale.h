@@ -58,6 +58,19 @@ LUMAFORGE_KERNEL_LEVEL(ssse3, MultiTapScaleKernels)
 LUMAFORGE_KERNEL_LEVEL(avx, MultiTapScaleKernels)
 LUMAFORGE_KERNEL_LEVEL(avx2, MultiTapScaleKernels)
 
+// The source rows of vertical half-band output rows from j0 on: row
+// 2 j0 - 2 + k for k < count, clamped to the plane. In an unnamed namespace:
+// each level's file keeps its own copy, built with its own flags.
+namespace {
+inline void HalfBandSourceRows(const uint8_t* src, int32_t srcStride, int32_t height, int32_t j0, int32_t count,
+                               const uint8_t** rows) {
+  for (int32_t k = 0; k < count; ++k) {
+    const int32_t y = 2 * j0 - 2 + k;
+    rows[k] = src + static_cast<ptrdiff_t>(y < 0 ? 0 : (y > height - 1 ? height - 1 : y)) * srcStride;
+  }
+}
+}  // namespace
+
 }  // namespace Lumaforge
 
 #endif  // LUMAFORGE_SCALING_KERNELS_MULTITAP_SCALE_H_

@@ -15,11 +15,7 @@ void HalfBandVertical_c(const uint8_t* src, int32_t srcStride, int32_t width, in
   const int32_t endRow = firstRow + rowCount < height / 2 ? firstRow + rowCount : height / 2;
   for (int32_t j = firstRow; j < endRow; ++j) {
     const uint8_t* rows[6];
-    for (int32_t k = 0; k < 6; ++k) {
-      int32_t y = 2 * j - 2 + k;
-      y = y < 0 ? 0 : (y > height - 1 ? height - 1 : y);
-      rows[k] = src + static_cast<ptrdiff_t>(y) * srcStride;
-    }
+    HalfBandSourceRows(src, srcStride, height, j, 6, rows);
     uint8_t* out = dst + static_cast<ptrdiff_t>(j - firstRow) * dstStride;
     for (int32_t x = 0; x < width; ++x) {
       int32_t sum = 0;

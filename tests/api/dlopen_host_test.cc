@@ -15,6 +15,8 @@
 #include <thread>
 #include <vector>
 
+#include "tests/log_capture.h"
+
 namespace host {
 
 // The platform's loader, as a host would call it.
@@ -64,21 +66,11 @@ using DestroyFn = void (*)(Interface*);
 using ArchFn = int32_t (*)();
 using VersionFn = Version (*)();
 
-struct Line {
-  uint64_t user;
-  int32_t level;
-  std::string text;
-};
-std::vector<Line> g_lines;
-int Capture(uint64_t user, int32_t level, const char* text) {
-  g_lines.push_back({user, level, text});
-  return 0;
-}
-std::vector<Line> g_other;
-int CaptureOther(uint64_t user, int32_t level, const char* text) {
-  g_other.push_back({user, level, text});
-  return 0;
-}
+using HostLog = Lumaforge::test::LogCapture<0>;
+using OtherLog = Lumaforge::test::LogCapture<1>;
+using Lumaforge::test::LogLine;
+std::vector<LogLine>& g_lines = HostLog::Lines();
+std::vector<LogLine>& g_other = OtherLog::Lines();
 
 // True when `text` is `length` lowercase hex digits.
 bool IsHex(const std::string& text, size_t length) {
@@ -112,7 +104,7 @@ class DlopenHost : public ::testing::Test {
     ASSERT_EQ(create(&lf), 0);
     g_lines.clear();
     g_other.clear();
-    uint64_t callback = reinterpret_cast<uint64_t>(&Capture);
+    uint64_t callback = reinterpret_cast<uint64_t>(&HostLog::Callback);
     ASSERT_EQ(lf->SetParam(0, 43, &callback), 0);
   }
   void TearDown() override {
@@ -120,7 +112,7 @@ class DlopenHost : public ::testing::Test {
     CloseLibrary(library);
   }
   bool Logged(const std::string& text) const {
-    for (const Line& line : g_lines) {
+    for (const LogLine& line : g_lines) {
       if (line.text.find(text) != std::string::npos) return true;
     }
     return false;
@@ -163,7 +155,7 @@ TEST_F(DlopenHost, SecondInitReusesTheFilter) {
   ASSERT_EQ(lf->Init(16, config, 0), 0);
   ASSERT_EQ(lf->Init(16, nullptr, 1), 0);
   std::vector<std::string> created;
-  for (const Line& line : g_lines) {
+  for (const LogLine& line : g_lines) {
     const size_t at = line.text.find("Create ImageCrop(");
     if (at != std::string::npos) created.push_back(line.text.substr(at));
   }
@@ -205,7 +197,7 @@ TEST_F(DlopenHost, TypeAndPointerChecks) {
 
 TEST_F(DlopenHost, LogSettingsReachManagerAndFilters) {
   // A callback for a type without a filter still changes the manager's logger.
-  uint64_t other = reinterpret_cast<uint64_t>(&CaptureOther);
+  uint64_t other = reinterpret_cast<uint64_t>(&OtherLog::Callback);
   EXPECT_EQ(lf->SetParam(5, 43, &other), 0);
   uint64_t user = 0xfeed;
   EXPECT_EQ(lf->SetParam(0, 49, &user), 0);
@@ -244,7 +236,7 @@ TEST_F(DlopenHost, TimingIntervalAnswersMinusOneButApplies) {
 
   // "[lf][IMAGECROP] IMAGECROP=<address>, INFO: <%f> ms per frame"
   bool found = false;
-  for (const Line& line : g_lines) {
+  for (const LogLine& line : g_lines) {
     const std::string& t = line.text;
     const size_t info = t.find(", INFO: ");
     const size_t suffix = t.rfind(" ms per frame");

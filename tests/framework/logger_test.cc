@@ -5,26 +5,20 @@
 #include <string>
 #include <vector>
 
+#include "tests/log_capture.h"
+
 namespace Lumaforge {
 namespace {
 
-struct Line {
-  uint64_t user;
-  int32_t level;
-  std::string text;
-};
-std::vector<Line> g_lines;
-
-int Capture(uint64_t user, int32_t level, const char* text) {
-  g_lines.push_back({user, level, text});
-  return 77;
-}
+// The logger hands the callback's answer back to its caller.
+using Log = test::LogCapture<0, 77>;
+std::vector<test::LogLine>& g_lines = Log::Lines();
 
 class LoggerTest : public ::testing::Test {
  protected:
   void SetUp() override {
     g_lines.clear();
-    logger.SetCallback(Capture);
+    logger.SetCallback(Log::Callback);
   }
   Logger logger{0x1234, "IMAGECROP"};
 };
@@ -65,7 +59,7 @@ TEST_F(LoggerTest, LevelFiltersAndClamps) {
 
 TEST_F(LoggerTest, NullCallbackKeepsTheInstalledOneAndUserValuePassesThrough) {
   logger.SetCallback(nullptr);
-  EXPECT_EQ(logger.GetCallback(), &Capture);
+  EXPECT_EQ(logger.GetCallback(), &Log::Callback);
   logger.SetUserValue(0);
   logger.SetUserValue(99);
   logger.Warning("w");
@@ -76,7 +70,7 @@ TEST_F(LoggerTest, NullCallbackKeepsTheInstalledOneAndUserValuePassesThrough) {
 TEST_F(LoggerTest, NameGoesThroughTheFormatterTwice) {
   // A '%' in the owner's name is interpreted by the second formatting pass.
   Logger percent(0, "100%%");
-  percent.SetCallback(Capture);
+  percent.SetCallback(Log::Callback);
   percent.Info("done");
   ASSERT_EQ(g_lines.size(), 1u);
   EXPECT_EQ(g_lines[0].text.rfind("[lf][100%] 100%=", 0), 0u) << g_lines[0].text;

@@ -76,11 +76,7 @@ void HalfBandVertical(const uint8_t* src, int32_t srcStride, int32_t width, int3
   const uint8_t* rows[2 * kBand + 4];
   for (int32_t j0 = firstRow; j0 < endRow; j0 += kBand) {
     const int32_t bandRows = (j0 + kBand < endRow ? j0 + kBand : endRow) - j0;
-    for (int32_t k = 0; k < 2 * bandRows + 4; ++k) {
-      int32_t y = 2 * j0 - 2 + k;
-      y = y < 0 ? 0 : (y > height - 1 ? height - 1 : y);
-      rows[k] = src + static_cast<ptrdiff_t>(y) * srcStride;
-    }
+    HalfBandSourceRows(src, srcStride, height, j0, 2 * bandRows + 4, rows);
     uint8_t* band = dst + static_cast<ptrdiff_t>(j0 - firstRow) * dstStride;
     ForEachStep<T::kBytes>(
         width,

@@ -23,11 +23,7 @@ void HalfBandVerticalSse2(const uint8_t* src, int32_t srcStride, int32_t width, 
   const int32_t endRow = firstRow + rowCount < height / 2 ? firstRow + rowCount : height / 2;
   for (int32_t j = firstRow; j < endRow; ++j) {
     const uint8_t* rows[6];
-    for (int32_t k = 0; k < 6; ++k) {
-      int32_t y = 2 * j - 2 + k;
-      y = y < 0 ? 0 : (y > height - 1 ? height - 1 : y);
-      rows[k] = src + static_cast<ptrdiff_t>(y) * srcStride;
-    }
+    HalfBandSourceRows(src, srcStride, height, j, 6, rows);
     uint8_t* out = dst + static_cast<ptrdiff_t>(j - firstRow) * dstStride;
     ForEachStep<16>(
         width,
