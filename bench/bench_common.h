@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdio>
 #include <functional>
 
 #include "lumaforge/lumaforge.h"
@@ -29,6 +30,15 @@ inline double TimeMs(const std::function<void()>& work, int callsPerBatch) {
 inline int32_t AvailableTier() {
   test::UnsetEnv("LUMAFORGE_CPU_MASK");
   return GetLumaforgeArch();
+}
+
+// Prints one column title per processor level this machine has, each
+// `width` characters wide, after a space.
+inline void PrintLevelTitles(int width) {
+  const int32_t available = AvailableTier();
+  for (const CpuLevel& level : kCpuLevels) {
+    if (level.tier <= available) std::printf(" %*s", width, level.name);
+  }
 }
 
 // Runs `body` with a silent manager whose filter `type` was initialised

@@ -38,9 +38,7 @@ int main(int argc, char** argv) {
   const int32_t available = Lumaforge::bench::AvailableTier();
   std::printf("1920x1080, ms per frame (best of 7 batches of %d); processor tier %d\n\n", frames, available);
   std::printf("%-6s", "format");
-  for (const auto& level : Lumaforge::kCpuLevels) {
-    if (level.tier <= available) std::printf(" %7s", level.name);
-  }
+  Lumaforge::bench::PrintLevelTitles(7);
   std::printf(" %-11s %7s %9s\n", "libyuv", "", "ours/yuv");
 
   std::vector<uint8_t> map(kWidth * kHeight);

@@ -107,9 +107,7 @@ int main(int argc, char** argv) {
   const int32_t available = Lumaforge::bench::AvailableTier();
   std::printf("1920x1080, ms per frame (best of 7 batches of %d); processor tier %d\n\n", frames, available);
   std::printf("%-6s %5s", "format", "sigma");
-  for (const auto& level : Lumaforge::kCpuLevels) {
-    if (level.tier <= available) std::printf(" %7s", level.name);
-  }
+  Lumaforge::bench::PrintLevelTitles(7);
   std::printf(" %8s %9s\n", "FIR", "ours/FIR");
   for (float sigma : {2.0f, 5.0f, 20.0f}) {
     Row("BGRA", LF_BGRA, sigma, frames);

@@ -82,9 +82,7 @@ int main(int argc, char** argv) {
   const int32_t available = Lumaforge::bench::AvailableTier();
   std::printf("1920x1080, ms per frame (best of 7 batches of %d frames); processor tier %d\n\n", frames, available);
   std::printf("%-12s", "pair");
-  for (const auto& level : Lumaforge::kCpuLevels) {
-    if (level.tier <= available) std::printf(" %8s", level.name);
-  }
+  Lumaforge::bench::PrintLevelTitles(8);
   std::printf(" %8s %8s %9s\n", "libyuv", "memcpy", "ours/yuv");
 
   for (const Case& c : cases) {

@@ -46,9 +46,7 @@ int main(int argc, char** argv) {
   std::printf("ms per frame (best of 7 batches of %d); processor tier %d; ratio = best level / libyuv\n\n", frames,
               available);
   std::printf("%-5s %-22s", "", "scale");
-  for (const auto& level : Lumaforge::kCpuLevels) {
-    if (level.tier <= available) std::printf(" %7s", level.name);
-  }
+  Lumaforge::bench::PrintLevelTitles(7);
   std::printf(" %7s %7s %9s %9s\n", "box", "bilin", "ours/box", "ours/bil");
 
   const Size inputs[] = {{1920, 1080}, {1280, 720}};

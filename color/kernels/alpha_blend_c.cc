@@ -1,5 +1,7 @@
 #include "color/kernels/alpha_blend.h"
 
+#include "framework/cpu_features.h"
+
 namespace Lumaforge {
 namespace {
 
@@ -21,6 +23,11 @@ void BlendPlaneRow_c(const uint8_t* in, uint8_t* out, const uint8_t* alpha, int3
 
 void BlendChromaRow_c(const uint8_t* in, uint8_t* out, const uint8_t* alpha, int32_t width) {
   for (int32_t c = 0; c < width; ++c) out[c] = Blend(in[c], out[c], alpha[2 * c]);
+}
+
+void InitAlphaBlendKernels(AlphaBlendKernels* kernels, uint32_t cpuFeatures) {
+  *kernels = {BlendRgb32Row_c, BlendPlaneRow_c, BlendChromaRow_c};
+  ClimbLadder(kernels, cpuFeatures, {{kCpuSSE2, sse2::Install}, {kCpuAVX2, avx2::Install}});
 }
 
 }  // namespace Lumaforge

@@ -1,5 +1,7 @@
 #include "color/kernels/rgb_pack.h"
 
+#include "framework/cpu_features.h"
+
 namespace Lumaforge {
 
 void Shuffle4Row_c(const uint8_t* src, uint8_t* dst, BytePattern pattern, int32_t width) {
@@ -51,6 +53,12 @@ void BgraToPlanesRow_c(const uint8_t* bgra, uint8_t* r, uint8_t* g, uint8_t* b, 
     g[i] = bgra[4 * i + 1];
     r[i] = bgra[4 * i + 2];
   }
+}
+
+void InitRgbPackKernels(RgbPackKernels* kernels, uint32_t cpuFeatures) {
+  *kernels = {Shuffle4Row_c, Rgb24ToBgraRow_c, BgraToRgb24Row_c, PlanesToBgraRow_c, BgraToPlanesRow_c};
+  ClimbLadder(kernels, cpuFeatures,
+              {{kCpuSSE2, sse2::Install}, {kCpuSSSE3, ssse3::Install}, {kCpuAVX2, avx2::Install}});
 }
 
 }  // namespace Lumaforge

@@ -1,5 +1,7 @@
 #include "color/kernels/rgb_to_yuv.h"
 
+#include "framework/cpu_features.h"
+
 namespace Lumaforge {
 
 void BgraToYRow_c(const uint8_t* bgra, uint8_t* y, int32_t width) {
@@ -30,6 +32,13 @@ void BgraToUV422Row_c(const uint8_t* bgra, uint8_t* u, uint8_t* v, int32_t width
     u[x / 2] = static_cast<uint8_t>(((112 * sb - 74 * sg - 38 * sr + 256) >> 9) + 128);
     v[x / 2] = static_cast<uint8_t>(((112 * sr - 94 * sg - 18 * sb + 256) >> 9) + 128);
   }
+}
+
+void InitRgbToYuvKernels(RgbToYuvKernels* kernels, uint32_t cpuFeatures) {
+  *kernels = {BgraToYRow_c, BgraToUV420Row_c, BgraToUV422Row_c};
+  ClimbLadder(
+      kernels, cpuFeatures,
+      {{kCpuSSE2, sse2::Install}, {kCpuSSSE3, ssse3::Install}, {kCpuAVX, avx::Install}, {kCpuAVX2, avx2::Install}});
 }
 
 }  // namespace Lumaforge

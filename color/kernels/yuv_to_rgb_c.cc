@@ -1,6 +1,7 @@
 #include <array>
 
 #include "color/kernels/yuv_to_rgb.h"
+#include "framework/cpu_features.h"
 
 namespace Lumaforge {
 namespace {
@@ -48,6 +49,13 @@ void I422ToBgraRow_c(const uint8_t* y, const uint8_t* u, const uint8_t* v, uint8
     StorePixel(bgra + 4 * x, kTables.y[y[x]], blue, green, red);
     StorePixel(bgra + 4 * x + 4, kTables.y[y[x + 1]], blue, green, red);
   }
+}
+
+void InitYuvToRgbKernels(YuvToRgbKernels* kernels, uint32_t cpuFeatures) {
+  *kernels = {I422ToBgraRow_c};
+  ClimbLadder(
+      kernels, cpuFeatures,
+      {{kCpuSSE2, sse2::Install}, {kCpuSSSE3, ssse3::Install}, {kCpuAVX, avx::Install}, {kCpuAVX2, avx2::Install}});
 }
 
 }  // namespace Lumaforge

@@ -1,5 +1,7 @@
 #include "filters/kernels/color_effects.h"
 
+#include "framework/cpu_features.h"
+
 namespace Lumaforge {
 
 void RotateHue_c(uint8_t* u, uint8_t* v, size_t count, float c, float s) {
@@ -21,6 +23,16 @@ void Sepia_c(const uint8_t* in, uint8_t* out, size_t pixels) {
     out[i + 1] = static_cast<uint8_t>(green < 255 ? green : 255);
     out[i + 2] = static_cast<uint8_t>((70 * r + 137 * g + 34 * b + 128) >> 8);
   }
+}
+
+void InitColorEffectKernels(ColorEffectKernels* kernels, uint32_t cpuFeatures) {
+  *kernels = {RotateHue_c, Sepia_c};
+  ClimbLadder(kernels, cpuFeatures,
+              {{kCpuSSE2, sse2::Install},
+               {kCpuSSSE3, ssse3::Install},
+               {kCpuSSE42, sse42::Install},
+               {kCpuAVX, avx::Install},
+               {kCpuAVX2, avx2::Install}});
 }
 
 }  // namespace Lumaforge

@@ -1,6 +1,7 @@
 #include <cstdint>
 
 #include "filters/kernels/gauss_blur.h"
+#include "framework/cpu_features.h"
 
 namespace Lumaforge {
 namespace {
@@ -94,6 +95,13 @@ void GaussRowPass4_c(const uint8_t* src, ptrdiff_t srcStride, int32_t width, int
 void GaussColumnPass4_c(const float* transposed, int32_t width, int32_t height, const DericheCoefficients& k,
                         float* line, uint8_t* dst, ptrdiff_t dstStride) {
   GaussColumnRange4_c(transposed, height, 0, width, k, line, dst, dstStride);
+}
+
+void InitGaussBlurKernels(GaussBlurKernels* kernels, uint32_t cpuFeatures) {
+  *kernels = {GaussRowPass1_c, GaussColumnPass1_c, GaussRowPass4_c, GaussColumnPass4_c};
+  ClimbLadder(
+      kernels, cpuFeatures,
+      {{kCpuSSE2, sse2::Install}, {kCpuSSE42, sse42::Install}, {kCpuAVX, avx::Install}, {kCpuAVX2, avx2::Install}});
 }
 
 }  // namespace Lumaforge

@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "framework/cpu_features.h"
 #include "scaling/kernels/bilinear_rows.h"
 #include "scaling/kernels/box_scale.h"
 
@@ -119,6 +120,17 @@ void PackedBilinear_c(const uint8_t* src, int32_t srcStride, int32_t srcWidth, i
                [&](const uint8_t* line, uint8_t* out, int32_t count, int32_t x, uint32_t) {
                  PackedBilinearSpan_c(line, srcStride, out, count, x, columns.stepX, bytesPerPixel);
                });
+}
+
+void InitBoxScaleKernels(BoxScaleKernels* kernels, uint32_t cpuFeatures) {
+  *kernels = {BoxHalf_c,      BoxHalf_c,        BoxThird_c,   BoxQuarter_c,
+              BilinearLuma_c, BilinearChroma_c, PackedHalf_c, PackedBilinear_c};
+  ClimbLadder(kernels, cpuFeatures,
+              {{kCpuSSE, sse::Install},
+               {kCpuSSE2, sse2::Install},
+               {kCpuSSSE3, ssse3::Install},
+               {kCpuAVX, avx::Install},
+               {kCpuAVX2, avx2::Install}});
 }
 
 }  // namespace Lumaforge

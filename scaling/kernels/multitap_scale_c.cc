@@ -1,5 +1,7 @@
 #include "scaling/kernels/multitap_scale.h"
 
+#include "framework/cpu_features.h"
+
 namespace Lumaforge {
 namespace {
 
@@ -53,6 +55,13 @@ void FourTapHorizontal_c(const uint8_t* line, uint8_t* dst, int32_t width, int32
     const uint8_t* p = line + (pos >> 16) - 1;
     dst[i] = Clamp6(t[0] * p[0] + t[1] * p[1] + t[2] * p[2] + t[3] * p[3]);
   }
+}
+
+void InitMultiTapScaleKernels(MultiTapScaleKernels* kernels, uint32_t cpuFeatures) {
+  *kernels = {HalfBandVertical_c, HalfBandHorizontal_c, FourTapVertical_c, FourTapHorizontal_c};
+  ClimbLadder(
+      kernels, cpuFeatures,
+      {{kCpuSSE2, sse2::Install}, {kCpuSSSE3, ssse3::Install}, {kCpuAVX, avx::Install}, {kCpuAVX2, avx2::Install}});
 }
 
 }  // namespace Lumaforge
