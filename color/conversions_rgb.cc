@@ -43,13 +43,12 @@ void RgbReorder(const VideoPicture* in, const VideoPicture* out, const ColorKern
   const RgbRowWriter writer(*out, k.rgbPack);
   alignas(64) uint8_t scratch[4 * kChunkPixels];
   for (int32_t y = 0; y < height; ++y) {
-    for (int32_t x0 = 0; x0 < width; x0 += kChunkPixels) {
-      const int32_t count = std::min(kChunkPixels, width - x0);
+    ForEachChunk(width, [&](int32_t x0, int32_t count) {
       // With a B, G, R, A output the reader converts straight into it (the
       // input is then another layout, equal codes having been copied above).
       uint8_t* target = writer.Target(y, x0, scratch);
       writer.Write(y, x0, count, reader.Read(y, x0, count, target));
-    }
+    });
   }
 }
 

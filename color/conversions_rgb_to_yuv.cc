@@ -14,8 +14,7 @@ void RgbToYuv420(const VideoPicture* in, const VideoPicture* out, const ColorKer
   alignas(64) uint8_t scratch0[4 * kChunkPixels], scratch1[4 * kChunkPixels];
   alignas(64) uint8_t scratchU[kChunkPixels / 2], scratchV[kChunkPixels / 2];
   for (int32_t y = 0; y + 1 < height; y += 2) {
-    for (int32_t x0 = 0; x0 < width; x0 += kChunkPixels) {
-      const int32_t count = std::min(kChunkPixels, width - x0);
+    ForEachChunk(width, [&](int32_t x0, int32_t count) {
       const uint8_t* top = src.Read(y, x0, count, scratch0);
       const uint8_t* bottom = src.Read(y + 1, x0, count, scratch1);
       k.rgbToYuv.bgraToYRow(top, dst.luma.Row(y) + x0, count);
@@ -24,7 +23,7 @@ void RgbToYuv420(const VideoPicture* in, const VideoPicture* out, const ColorKer
       ChromaTargets(dst, y / 2, x0, scratchU, scratchV, &u, &v);
       k.rgbToYuv.bgraToUV420Row(top, bottom, u, v, count);
       CommitChroma(dst, y / 2, x0, count, k, u, v);
-    }
+    });
   }
 }
 
@@ -36,13 +35,12 @@ void RgbToPacked422(const VideoPicture* in, const VideoPicture* out, const Color
   alignas(64) uint8_t scratch[4 * kChunkPixels];
   alignas(64) uint8_t y[kChunkPixels], u[kChunkPixels / 2], v[kChunkPixels / 2];
   for (int32_t row = 0; row < height; ++row) {
-    for (int32_t x0 = 0; x0 < width; x0 += kChunkPixels) {
-      const int32_t count = std::min(kChunkPixels, width - x0);
+    ForEachChunk(width, [&](int32_t x0, int32_t count) {
       const uint8_t* bgra = src.Read(row, x0, count, scratch);
       k.rgbToYuv.bgraToYRow(bgra, y, count);
       k.rgbToYuv.bgraToUV422Row(bgra, u, v, count);
       k.packed422.planesToPacked422Row(y, u, v, dst.Row(row) + 2 * x0, layout, count);
-    }
+    });
   }
 }
 

@@ -65,14 +65,13 @@ void Yuv420ToPacked422(const VideoPicture* in, const VideoPicture* out, const Co
   const PlaneRows dst(out->planes[0], out->strides[0], height, false);
   const Packed422Layout layout = *GetPacked422Layout(FormatCode(out->format));
   alignas(64) uint8_t scratchU[kChunkPixels / 2], scratchV[kChunkPixels / 2];
-  for (int32_t x0 = 0; x0 < width; x0 += kChunkPixels) {
-    const int32_t count = std::min(kChunkPixels, width - x0);
+  ForEachChunk(width, [&](int32_t x0, int32_t count) {
     const uint8_t *u = nullptr, *v = nullptr;
     for (int32_t y = 0; y < height; ++y) {
       if ((y & 1) == 0) ReadChroma(src, y / 2, x0, count, k, scratchU, scratchV, &u, &v);
       k.packed422.planesToPacked422Row(src.luma.Row(y) + x0, u, v, dst.Row(y) + 2 * x0, layout, count);
     }
-  }
+  });
 }
 
 void Packed422ToYuv420(const VideoPicture* in, const VideoPicture* out, const ColorKernels& k) {
@@ -83,8 +82,7 @@ void Packed422ToYuv420(const VideoPicture* in, const VideoPicture* out, const Co
   alignas(64) uint8_t u0[kChunkPixels / 2], v0[kChunkPixels / 2], u1[kChunkPixels / 2], v1[kChunkPixels / 2];
   alignas(64) uint8_t scratchU[kChunkPixels / 2], scratchV[kChunkPixels / 2];
   for (int32_t y = 0; y + 1 < height; y += 2) {
-    for (int32_t x0 = 0; x0 < width; x0 += kChunkPixels) {
-      const int32_t count = std::min(kChunkPixels, width - x0);
+    ForEachChunk(width, [&](int32_t x0, int32_t count) {
       k.packed422.packed422ToPlanesRow(src.Row(y) + 2 * x0, dst.luma.Row(y) + x0, u0, v0, layout, count);
       k.packed422.packed422ToPlanesRow(src.Row(y + 1) + 2 * x0, dst.luma.Row(y + 1) + x0, u1, v1, layout, count);
       uint8_t *u, *v;
@@ -92,7 +90,7 @@ void Packed422ToYuv420(const VideoPicture* in, const VideoPicture* out, const Co
       k.packed422.averageRows(u0, u1, u, count / 2);
       k.packed422.averageRows(v0, v1, v, count / 2);
       CommitChroma(dst, y / 2, x0, count, k, u, v);
-    }
+    });
   }
 }
 

@@ -13,8 +13,7 @@ void Yuv420ToRgb(const VideoPicture* in, const VideoPicture* out, const ColorKer
   const int32_t width = CommonWidth(*in, *out), height = CommonHeight(*in, *out);
   alignas(64) uint8_t bgra[4 * kChunkPixels];
   alignas(64) uint8_t scratchU[kChunkPixels / 2], scratchV[kChunkPixels / 2];
-  for (int32_t x0 = 0; x0 < width; x0 += kChunkPixels) {
-    const int32_t count = std::min(kChunkPixels, width - x0);
+  ForEachChunk(width, [&](int32_t x0, int32_t count) {
     const uint8_t *u = nullptr, *v = nullptr;
     for (int32_t y = 0; y < height; ++y) {
       // Each chroma row serves two luma rows; interleaved rows are split once.
@@ -23,7 +22,7 @@ void Yuv420ToRgb(const VideoPicture* in, const VideoPicture* out, const ColorKer
       k.yuvToRgb.i422ToBgraRow(src.luma.Row(y) + x0, u, v, target, count);
       dst.Write(y, x0, count, target);
     }
-  }
+  });
 }
 
 void Packed422ToRgb(const VideoPicture* in, const VideoPicture* out, const ColorKernels& k) {
@@ -34,13 +33,12 @@ void Packed422ToRgb(const VideoPicture* in, const VideoPicture* out, const Color
   alignas(64) uint8_t bgra[4 * kChunkPixels];
   alignas(64) uint8_t y[kChunkPixels], u[kChunkPixels / 2], v[kChunkPixels / 2];
   for (int32_t row = 0; row < height; ++row) {
-    for (int32_t x0 = 0; x0 < width; x0 += kChunkPixels) {
-      const int32_t count = std::min(kChunkPixels, width - x0);
+    ForEachChunk(width, [&](int32_t x0, int32_t count) {
       k.packed422.packed422ToPlanesRow(src.Row(row) + 2 * x0, y, u, v, layout, count);
       uint8_t* target = dst.Target(row, x0, bgra);
       k.yuvToRgb.i422ToBgraRow(y, u, v, target, count);
       dst.Write(row, x0, count, target);
-    }
+    });
   }
 }
 

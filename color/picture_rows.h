@@ -17,6 +17,12 @@ namespace Lumaforge {
 // so their scratch rows live on the stack whatever the picture width.
 constexpr int32_t kChunkPixels = 2048;
 
+// Calls chunk(x0, count) for the column chunks of a row of `width` pixels.
+template <typename Chunk>
+inline void ForEachChunk(int32_t width, Chunk&& chunk) {
+  for (int32_t x0 = 0; x0 < width; x0 += kChunkPixels) chunk(x0, width - x0 < kChunkPixels ? width - x0 : kChunkPixels);
+}
+
 // Rows of one plane, possibly walked from the last row up.
 class PlaneRows {
  public:
