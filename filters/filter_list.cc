@@ -1,20 +1,23 @@
-// The library's filters, in type order: a new filter adds its descriptor here.
+// The library's filters, in type order: a new filter adds one line here.
 #include "framework/filter_descriptor.h"
+
+#define LUMAFORGE_FILTER_LIST(FILTER) \
+  FILTER(kCscDescriptor)              \
+  FILTER(kDownsampleDescriptor)       \
+  FILTER(kCropDescriptor)             \
+  FILTER(kVideoFilterDescriptor)      \
+  FILTER(kAlphaBlendDescriptor)       \
+  FILTER(kGaussBlurDescriptor)
 
 namespace Lumaforge {
 
-extern const FilterDescriptor kCscDescriptor;
-extern const FilterDescriptor kDownsampleDescriptor;
-extern const FilterDescriptor kCropDescriptor;
-extern const FilterDescriptor kVideoFilterDescriptor;
-extern const FilterDescriptor kAlphaBlendDescriptor;
-extern const FilterDescriptor kGaussBlurDescriptor;
+// Each filter defines its descriptor in its own source file.
+#define LUMAFORGE_DECLARE_DESCRIPTOR(descriptor) extern const FilterDescriptor descriptor;
+LUMAFORGE_FILTER_LIST(LUMAFORGE_DECLARE_DESCRIPTOR)
 
 std::span<const FilterDescriptor* const> FilterList() {
-  static const FilterDescriptor* const kList[] = {
-      &kCscDescriptor,         &kDownsampleDescriptor, &kCropDescriptor,
-      &kVideoFilterDescriptor, &kAlphaBlendDescriptor, &kGaussBlurDescriptor,
-  };
+#define LUMAFORGE_DESCRIPTOR_ADDRESS(descriptor) &descriptor,
+  static const FilterDescriptor* const kList[] = {LUMAFORGE_FILTER_LIST(LUMAFORGE_DESCRIPTOR_ADDRESS)};
   return kList;
 }
 

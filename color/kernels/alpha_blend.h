@@ -31,6 +31,7 @@ BlendRowKernel BlendRgb32Row_c, BlendPlaneRow_c, BlendChromaRow_c;
 
 // Levels with variants of their own; each level's file defines its installer.
 LUMAFORGE_KERNEL_LEVEL(sse2, AlphaBlendKernels)
+LUMAFORGE_KERNEL_LEVEL(avx, AlphaBlendKernels)
 LUMAFORGE_KERNEL_LEVEL(avx2, AlphaBlendKernels)
 
 }  // namespace Lumaforge

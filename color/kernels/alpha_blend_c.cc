@@ -27,7 +27,7 @@ void BlendChromaRow_c(const uint8_t* in, uint8_t* out, const uint8_t* alpha, int
 
 void InitAlphaBlendKernels(AlphaBlendKernels* kernels, uint32_t cpuFeatures) {
   *kernels = {BlendRgb32Row_c, BlendPlaneRow_c, BlendChromaRow_c};
-  ClimbLadder(kernels, cpuFeatures, {{kCpuSSE2, sse2::Install}, {kCpuAVX2, avx2::Install}});
+  ClimbLadder(kernels, cpuFeatures, {{kCpuSSE2, sse2::Install}, {kCpuAVX, avx::Install}, {kCpuAVX2, avx2::Install}});
 }
 
 }  // namespace Lumaforge

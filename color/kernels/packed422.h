@@ -42,6 +42,7 @@ AverageRowsKernel AverageRows_c;
 // Levels with variants of their own; each level's file defines its installer.
 LUMAFORGE_KERNEL_LEVEL(sse2, Packed422Kernels)
 LUMAFORGE_KERNEL_LEVEL(ssse3, Packed422Kernels)
+LUMAFORGE_KERNEL_LEVEL(avx, Packed422Kernels)
 LUMAFORGE_KERNEL_LEVEL(avx2, Packed422Kernels)
 
 }  // namespace Lumaforge

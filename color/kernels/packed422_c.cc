@@ -32,8 +32,9 @@ void AverageRows_c(const uint8_t* a, const uint8_t* b, uint8_t* dst, int32_t cou
 
 void InitPacked422Kernels(Packed422Kernels* kernels, uint32_t cpuFeatures) {
   *kernels = {Packed422ToPlanesRow_c, PlanesToPacked422Row_c, AverageRows_c};
-  ClimbLadder(kernels, cpuFeatures,
-              {{kCpuSSE2, sse2::Install}, {kCpuSSSE3, ssse3::Install}, {kCpuAVX2, avx2::Install}});
+  ClimbLadder(
+      kernels, cpuFeatures,
+      {{kCpuSSE2, sse2::Install}, {kCpuSSSE3, ssse3::Install}, {kCpuAVX, avx::Install}, {kCpuAVX2, avx2::Install}});
 }
 
 }  // namespace Lumaforge

@@ -51,6 +51,7 @@ BgraToPlanesRowKernel BgraToPlanesRow_c;
 // Levels with variants of their own; each level's file defines its installer.
 LUMAFORGE_KERNEL_LEVEL(sse2, RgbPackKernels)
 LUMAFORGE_KERNEL_LEVEL(ssse3, RgbPackKernels)
+LUMAFORGE_KERNEL_LEVEL(avx, RgbPackKernels)
 LUMAFORGE_KERNEL_LEVEL(avx2, RgbPackKernels)
 
 }  // namespace Lumaforge

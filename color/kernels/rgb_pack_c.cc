@@ -57,8 +57,9 @@ void BgraToPlanesRow_c(const uint8_t* bgra, uint8_t* r, uint8_t* g, uint8_t* b, 
 
 void InitRgbPackKernels(RgbPackKernels* kernels, uint32_t cpuFeatures) {
   *kernels = {Shuffle4Row_c, Rgb24ToBgraRow_c, BgraToRgb24Row_c, PlanesToBgraRow_c, BgraToPlanesRow_c};
-  ClimbLadder(kernels, cpuFeatures,
-              {{kCpuSSE2, sse2::Install}, {kCpuSSSE3, ssse3::Install}, {kCpuAVX2, avx2::Install}});
+  ClimbLadder(
+      kernels, cpuFeatures,
+      {{kCpuSSE2, sse2::Install}, {kCpuSSSE3, ssse3::Install}, {kCpuAVX, avx::Install}, {kCpuAVX2, avx2::Install}});
 }
 
 }  // namespace Lumaforge

@@ -25,8 +25,6 @@ TEST(KernelLevels, FeatureWordPicksTheHighestAvailableVariant) {
   const ChromaInterleaveKernels avx2 = For(kCpuSSE2 | kCpuSSSE3 | kCpuSSE42 | kCpuAVX | kCpuAVX2);
   EXPECT_NE(avx2.mergeUVRow, sse2.mergeUVRow);
   EXPECT_NE(avx2.mergeUVRow, &MergeUVRow_c);
-  // A level leaves the slots it does not speed up to the level below.
-  EXPECT_EQ(avx2.splitUVRow, sse2.splitUVRow);
 
   // An early Intel part that lost its SSE2 bit stays on the plain routines.
   EXPECT_EQ(For(kCpuMMX | kCpuSSE | kCpuFPU).mergeUVRow, &MergeUVRow_c);

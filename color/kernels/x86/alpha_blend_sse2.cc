@@ -2,8 +2,7 @@
 
 namespace Lumaforge::sse2 {
 
-// The 128-bit body; later 128-bit builds of it were no faster, so it serves
-// up to AVX.
+// The 128-bit body; its SSSE3 and SSE4.2 builds were no faster.
 void Install(AlphaBlendKernels* kernels) {
   kernels->rgb32Row = x86::BlendRgb32Row<x86::Vec128>;
   kernels->planeRow = x86::BlendPlaneRow<x86::Vec128>;
