@@ -7,7 +7,7 @@ namespace {
 
 void BottomUpOutput(VideoPicture*&, VideoPicture*& out) { out->format |= LF_FORMAT_BOTTOM_UP; }
 
-ContractSpec AlphaBlendContract() {
+ContractTerms AlphaBlendContract() {
   // The map is indexed by the output's width, rows packed: one map covers
   // every picture up to its size.
   std::vector<uint8_t> alphaMap(200 * 120);

@@ -5,7 +5,7 @@
 namespace Lumaforge::test {
 namespace {
 
-ContractSpec CropContract() {
+ContractTerms CropContract() {
   constexpr uint32_t kWholeRecord = kPlaneFields | kSizeFields | kFormatField;
   const ContractFrame i420 = Same(LF_I420, 64, 48);
   return {.type = LF_FILTER_CROP,

@@ -7,7 +7,7 @@ namespace {
 
 void OutputFormatZero(VideoPicture*&, VideoPicture*& out) { out->format = 0; }
 
-ContractSpec CscContract() {
+ContractTerms CscContract() {
   const ContractFrame i420{LF_I420, 32, 16, LF_BGRA, 32, 16};
   return {.type = LF_FILTER_CSC,
           .frames = {{LF_I420, 64, 48, LF_BGRA, 64, 48},

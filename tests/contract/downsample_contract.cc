@@ -27,7 +27,7 @@ std::vector<uint8_t> PackedHalving(const VideoPicture& in, uint32_t bytesPerPixe
 
 void OddOutputHeight(VideoPicture*&, VideoPicture*& out) { out->height = 31; }
 
-ContractSpec DownsampleContract() {
+ContractTerms DownsampleContract() {
   const auto halving = [](uint32_t k) { return [k](const VideoPicture& in) { return PackedHalving(in, k); }; };
   const ContractFrame i420{LF_I420, 64, 64, LF_I420, 32, 32};
   // Every refusal is answered -1.

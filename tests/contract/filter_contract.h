@@ -1,5 +1,5 @@
 // The contract every filter keeps, written once: each filter's tests give a
-// ContractSpec (pictures to run, documented refusals, which record fields
+// ContractTerms (pictures to run, documented refusals, which record fields
 // the filter writes), and the contract test runs the same checks on all of
 // them through the manager's public interface.
 #ifndef LUMAFORGE_TESTS_CONTRACT_FILTER_CONTRACT_H_
@@ -45,7 +45,7 @@ struct ContractRefusal {
   uint32_t writesOutput = kNoFields;
 };
 
-struct ContractSpec {
+struct ContractTerms {
   int32_t type = 0;
   // Init's record (its bytes; null when empty) and the flags to run under.
   std::vector<uint8_t> config = {};
@@ -82,12 +82,12 @@ std::vector<uint8_t> RecordBytes(const Record& record) {
   return {bytes, bytes + sizeof(record)};
 }
 
-// Each filter's contract file registers its spec by defining one
+// Each filter's contract file registers its terms by defining one
 // ContractRegistration at namespace scope (test programs link every object,
 // so none is dropped).
-std::vector<ContractSpec (*)()>& ContractSpecs();
+std::vector<ContractTerms (*)()>& RegisteredContracts();
 struct ContractRegistration {
-  explicit ContractRegistration(ContractSpec (*make)()) { ContractSpecs().push_back(make); }
+  explicit ContractRegistration(ContractTerms (*make)()) { RegisteredContracts().push_back(make); }
 };
 
 }  // namespace Lumaforge::test

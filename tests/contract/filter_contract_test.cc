@@ -1,4 +1,4 @@
-// The contract, checked for every filter of the library's list from the spec
+// The contract, checked for every filter of the library's list from the terms
 // its tests register: the same bytes at every processor level, the same
 // bytes whatever frames came before, the documented refusals, no heap
 // allocation once a geometry has been seen, and no write outside the
@@ -23,9 +23,9 @@ void PrintTo(const FilterDescriptor* descriptor, std::ostream* os) { *os << desc
 
 namespace test {
 
-std::vector<ContractSpec (*)()>& ContractSpecs() {
-  static std::vector<ContractSpec (*)()> specs;
-  return specs;
+std::vector<ContractTerms (*)()>& RegisteredContracts() {
+  static std::vector<ContractTerms (*)()> contracts;
+  return contracts;
 }
 
 namespace {
@@ -62,11 +62,11 @@ void ExpectFieldsKept(const VideoPicture& before, const VideoPicture& after, uin
 // One manager with the filter under test initialised.
 class Session {
  public:
-  Session(const ContractSpec& spec, uint8_t flag) : config_(spec.config) {
+  Session(const ContractTerms& terms, uint8_t flag) : config_(terms.config) {
     CreateLumaforge(&manager_);
     int32_t silent = -1;
     manager_->SetParam(LF_FILTER_ALL, LF_PARAM_LOG_LEVEL, &silent);
-    initStatus_ = manager_->Init(spec.type, config_.empty() ? nullptr : config_.data(), flag);
+    initStatus_ = manager_->Init(terms.type, config_.empty() ? nullptr : config_.data(), flag);
   }
   ~Session() { DestroyLumaforge(manager_); }
   Session(const Session&) = delete;
@@ -89,31 +89,31 @@ class FilterContract : public testing::TestWithParam<const FilterDescriptor*> {
  protected:
   void SetUp() override {
     descriptor_ = GetParam();
-    for (auto make : ContractSpecs()) {
-      ContractSpec spec = make();
-      if (spec.type == descriptor_->type) spec_ = std::move(spec);
+    for (auto make : RegisteredContracts()) {
+      ContractTerms terms = make();
+      if (terms.type == descriptor_->type) terms_ = std::move(terms);
     }
-    ASSERT_EQ(spec_.type, descriptor_->type) << descriptor_->name << " registers no contract";
+    ASSERT_EQ(terms_.type, descriptor_->type) << descriptor_->name << " registers no contract";
   }
 
   // Runs one frame on fresh pictures made from `seed`, checks the records
   // and the guards, and returns the result bytes.
   Result Run(Session& session, uint8_t flag, const ContractFrame& f, uint32_t seed) {
     const FormatReading reading = descriptor_->reading;
-    GuardedPicture in(f.inFormat, reading, f.inWidth, f.inHeight, spec_.pad);
-    GuardedPicture out(f.outFormat, reading, f.outWidth, f.outHeight, spec_.pad);
+    GuardedPicture in(f.inFormat, reading, f.inWidth, f.inHeight, terms_.pad);
+    GuardedPicture out(f.outFormat, reading, f.outWidth, f.outHeight, terms_.pad);
     in.FillRandom(seed);
     out.FillRandom(~seed);
     const VideoPicture inBefore = in.picture, outBefore = out.picture;
     Result r;
-    r.status = session.manager().Process(spec_.type, &in.picture, &out.picture);
+    r.status = session.manager().Process(terms_.type, &in.picture, &out.picture);
     const std::string what = std::string(descriptor_->name) + " " + FrameText(f);
     EXPECT_TRUE(in.GuardsIntact()) << what << ": bytes around the input planes";
     EXPECT_TRUE(out.GuardsIntact()) << what << ": bytes around the output planes";
-    ExpectFieldsKept(inBefore, in.picture, spec_.writesInput, what + " input record");
-    ExpectFieldsKept(outBefore, out.picture, spec_.writesOutput(flag), what + " output record");
+    ExpectFieldsKept(inBefore, in.picture, terms_.writesInput, what + " input record");
+    ExpectFieldsKept(outBefore, out.picture, terms_.writesOutput(flag), what + " output record");
     if (r.status == LF_OK) {
-      const VideoPicture& result = spec_.resultInInput ? in.picture : out.picture;
+      const VideoPicture& result = terms_.resultInInput ? in.picture : out.picture;
       r.bytes = PixelBytes(result, LayoutOf(result.format, reading, result.width, result.height));
       if (f.model) {
         EXPECT_TRUE(r.bytes == f.model(inBefore)) << what << ": differs from the formula";
@@ -123,24 +123,24 @@ class FilterContract : public testing::TestWithParam<const FilterDescriptor*> {
   }
 
   const FilterDescriptor* descriptor_ = nullptr;
-  ContractSpec spec_{};
+  ContractTerms terms_{};
 };
 
 TEST(FilterContractList, EveryFilterRegistersAContract) {
   for (const FilterDescriptor* d : FilterList()) {
     bool found = false;
-    for (auto make : ContractSpecs()) found |= make().type == d->type;
+    for (auto make : RegisteredContracts()) found |= make().type == d->type;
     EXPECT_TRUE(found) << d->name;
   }
 }
 
 TEST_P(FilterContract, SameBytesAtEveryProcessorLevel) {
-  for (const uint8_t flag : spec_.flags) {
-    for (size_t i = 0; i < spec_.frames.size(); ++i) {
-      const ContractFrame& f = spec_.frames[i];
+  for (const uint8_t flag : terms_.flags) {
+    for (size_t i = 0; i < terms_.frames.size(); ++i) {
+      const ContractFrame& f = terms_.frames[i];
       Result first;
       ForEachCpuLevel([&](const CpuLevel& level) {
-        Session session(spec_, flag);
+        Session session(terms_, flag);
         ASSERT_EQ(session.initStatus(), LF_OK);
         Result r = Run(session, flag, f, static_cast<uint32_t>(i + 1));
         ASSERT_EQ(r.status, LF_OK) << FrameText(f) << " at " << level.name;
@@ -156,33 +156,33 @@ TEST_P(FilterContract, SameBytesAtEveryProcessorLevel) {
 }
 
 TEST_P(FilterContract, SameBytesWhateverCameBefore) {
-  for (const uint8_t flag : spec_.flags) {
+  for (const uint8_t flag : terms_.flags) {
     std::vector<Result> fresh;
-    for (size_t i = 0; i < spec_.frames.size(); ++i) {
-      Session session(spec_, flag);
-      fresh.push_back(Run(session, flag, spec_.frames[i], static_cast<uint32_t>(i + 1)));
+    for (size_t i = 0; i < terms_.frames.size(); ++i) {
+      Session session(terms_, flag);
+      fresh.push_back(Run(session, flag, terms_.frames[i], static_cast<uint32_t>(i + 1)));
     }
     // Forwards, then backwards, through one filter.
-    Session shared(spec_, flag);
-    const size_t n = spec_.frames.size();
+    Session shared(terms_, flag);
+    const size_t n = terms_.frames.size();
     for (size_t step = 0; step < 2 * n; ++step) {
       const size_t i = step < n ? step : 2 * n - 1 - step;
-      const Result r = Run(shared, flag, spec_.frames[i], static_cast<uint32_t>(i + 1));
-      EXPECT_EQ(r.status, fresh[i].status) << FrameText(spec_.frames[i]);
+      const Result r = Run(shared, flag, terms_.frames[i], static_cast<uint32_t>(i + 1));
+      EXPECT_EQ(r.status, fresh[i].status) << FrameText(terms_.frames[i]);
       EXPECT_TRUE(r.bytes == fresh[i].bytes)
-          << FrameText(spec_.frames[i]) << " flag " << int{flag} << " after other frames differs from a fresh filter";
+          << FrameText(terms_.frames[i]) << " flag " << int{flag} << " after other frames differs from a fresh filter";
     }
   }
 }
 
 TEST_P(FilterContract, DocumentedRefusals) {
-  for (const uint8_t flag : spec_.flags) {
-    for (const ContractRefusal& refusal : spec_.refusals) {
-      Session session(spec_, flag);
+  for (const uint8_t flag : terms_.flags) {
+    for (const ContractRefusal& refusal : terms_.refusals) {
+      Session session(terms_, flag);
       const FormatReading reading = descriptor_->reading;
       const ContractFrame& f = refusal.frame;
-      GuardedPicture in(f.inFormat, reading, f.inWidth, f.inHeight, spec_.pad);
-      GuardedPicture out(f.outFormat, reading, f.outWidth, f.outHeight, spec_.pad);
+      GuardedPicture in(f.inFormat, reading, f.inWidth, f.inHeight, terms_.pad);
+      GuardedPicture out(f.outFormat, reading, f.outWidth, f.outHeight, terms_.pad);
       in.FillRandom(7);
       out.FillRandom(8);
       VideoPicture* inRecord = &in.picture;
@@ -190,7 +190,7 @@ TEST_P(FilterContract, DocumentedRefusals) {
       refusal.spoil(inRecord, outRecord);
       const VideoPicture inBefore = in.picture, outBefore = out.picture;
       const std::vector<uint8_t> inBytes = in.AllBytes(), outBytes = out.AllBytes();
-      EXPECT_EQ(session.manager().Process(spec_.type, inRecord, outRecord), refusal.status) << refusal.what;
+      EXPECT_EQ(session.manager().Process(terms_.type, inRecord, outRecord), refusal.status) << refusal.what;
       EXPECT_TRUE(in.AllBytes() == inBytes) << refusal.what << ": input bytes changed";
       EXPECT_TRUE(out.AllBytes() == outBytes) << refusal.what << ": output bytes changed";
       EXPECT_EQ(0, std::memcmp(&inBefore, &in.picture, sizeof(VideoPicture))) << refusal.what << ": input record";
@@ -200,17 +200,17 @@ TEST_P(FilterContract, DocumentedRefusals) {
 }
 
 TEST_P(FilterContract, NoHeapAllocationOnceAGeometryIsSeen) {
-  for (const uint8_t flag : spec_.flags) {
-    for (const ContractFrame& f : spec_.frames) {
-      Session session(spec_, flag);
+  for (const uint8_t flag : terms_.flags) {
+    for (const ContractFrame& f : terms_.frames) {
+      Session session(terms_, flag);
       const FormatReading reading = descriptor_->reading;
-      GuardedPicture in(f.inFormat, reading, f.inWidth, f.inHeight, spec_.pad);
-      GuardedPicture out(f.outFormat, reading, f.outWidth, f.outHeight, spec_.pad);
+      GuardedPicture in(f.inFormat, reading, f.inWidth, f.inHeight, terms_.pad);
+      GuardedPicture out(f.outFormat, reading, f.outWidth, f.outHeight, terms_.pad);
       const VideoPicture inRecord = in.picture, outRecord = out.picture;
       auto process = [&] {
         in.picture = inRecord;
         out.picture = outRecord;
-        return session.manager().Process(spec_.type, &in.picture, &out.picture);
+        return session.manager().Process(terms_.type, &in.picture, &out.picture);
       };
       ASSERT_EQ(process(), LF_OK) << FrameText(f);
       const uint64_t before = HeapAllocations();

@@ -5,7 +5,7 @@
 namespace Lumaforge::test {
 namespace {
 
-ContractSpec GaussBlurContract() {
+ContractTerms GaussBlurContract() {
   const ContractFrame bgra = Same(LF_BGRA, 64, 48);
   return {.type = LF_FILTER_GAUSS_BLUR,
           .config = RecordBytes(2.0f),

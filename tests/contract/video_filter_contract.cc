@@ -5,7 +5,7 @@
 namespace Lumaforge::test {
 namespace {
 
-ContractSpec VideoFilterContract() {
+ContractTerms VideoFilterContract() {
   // The output record is not used; it only has to exist.
   const auto frame = [](uint32_t format, uint32_t width, uint32_t height) {
     return ContractFrame{format, width, height, LF_I420, 16, 16};
