@@ -81,6 +81,59 @@ struct Vec256 {
 };
 #endif
 
+// The same operations as free functions over raw vectors, overloaded by
+// width, for bodies that work on __m128i / __m256i directly.
+inline __m128i UnpackLow16(__m128i a, __m128i b) { return _mm_unpacklo_epi16(a, b); }
+inline __m128i UnpackHigh16(__m128i a, __m128i b) { return _mm_unpackhi_epi16(a, b); }
+inline __m128i UnpackLow32(__m128i a, __m128i b) { return _mm_unpacklo_epi32(a, b); }
+inline __m128i UnpackHigh32(__m128i a, __m128i b) { return _mm_unpackhi_epi32(a, b); }
+inline __m128i UnpackLow64(__m128i a, __m128i b) { return _mm_unpacklo_epi64(a, b); }
+inline __m128i UnpackHigh64(__m128i a, __m128i b) { return _mm_unpackhi_epi64(a, b); }
+inline __m128i Xor(__m128i a, __m128i b) { return _mm_xor_si128(a, b); }
+inline __m128i Add32(__m128i a, __m128i b) { return _mm_add_epi32(a, b); }
+// 32-bit words 0, 2, 4, 6 to the low lane and 1, 3, 5, 7 to the high one, so
+// that in-lane unpacks of the result come out in memory order; and back.
+// Identities at 128 bits.
+inline __m128i SpreadWords(__m128i v) { return v; }
+inline __m128i GatherWords(__m128i v) { return v; }
+#if defined(__SSSE3__)
+inline __m128i ShuffleBytes(__m128i v, __m128i mask) { return _mm_shuffle_epi8(v, mask); }
+inline __m128i MulAddBytes(__m128i unsignedBytes, __m128i signedBytes) {
+  return _mm_maddubs_epi16(unsignedBytes, signedBytes);
+}
+#endif
+
+#if defined(__AVX2__)
+inline __m256i UnpackLow16(__m256i a, __m256i b) { return _mm256_unpacklo_epi16(a, b); }
+inline __m256i UnpackHigh16(__m256i a, __m256i b) { return _mm256_unpackhi_epi16(a, b); }
+inline __m256i UnpackLow32(__m256i a, __m256i b) { return _mm256_unpacklo_epi32(a, b); }
+inline __m256i UnpackHigh32(__m256i a, __m256i b) { return _mm256_unpackhi_epi32(a, b); }
+inline __m256i UnpackLow64(__m256i a, __m256i b) { return _mm256_unpacklo_epi64(a, b); }
+inline __m256i UnpackHigh64(__m256i a, __m256i b) { return _mm256_unpackhi_epi64(a, b); }
+inline __m256i Xor(__m256i a, __m256i b) { return _mm256_xor_si256(a, b); }
+inline __m256i Add32(__m256i a, __m256i b) { return _mm256_add_epi32(a, b); }
+inline __m256i SpreadWords(__m256i v) {
+  return _mm256_permutevar8x32_epi32(v, _mm256_setr_epi32(0, 2, 4, 6, 1, 3, 5, 7));
+}
+inline __m256i GatherWords(__m256i v) {
+  return _mm256_permutevar8x32_epi32(v, _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7));
+}
+inline __m256i ShuffleBytes(__m256i v, __m256i mask) { return _mm256_shuffle_epi8(v, mask); }
+inline __m256i MulAddBytes(__m256i unsignedBytes, __m256i signedBytes) {
+  return _mm256_maddubs_epi16(unsignedBytes, signedBytes);
+}
+#endif
+
+// A 128-bit vector repeated in every 128-bit lane of T's vector.
+template <typename T>
+typename T::V Lanes(__m128i v) {
+  if constexpr (T::kBytes == 16) {
+    return v;
+  } else {
+    return _mm256_broadcastsi128_si256(v);
+  }
+}
+
 }  // namespace
 }  // namespace Lumaforge::x86
 

@@ -25,12 +25,8 @@ inline PairShape ClassifyPair(const Packed422Layout& l) {
 }
 
 inline __m128i Average8(__m128i a, __m128i b) { return _mm_avg_epu8(a, b); }
-// 32-bit words 0, 2, 4, 6 to the low lane and 1, 3, 5, 7 to the high one.
-inline __m128i SpreadWords(__m128i v) { return v; }
 // 64-bit words 0, 2 to the low lane and 1, 3 to the high one.
 inline __m128i SpreadQuads(__m128i v) { return v; }
-// 32-bit words from the order 0 2 4 6 | 1 3 5 7 back to memory order.
-inline __m128i GatherWords(__m128i v) { return v; }
 #if defined(__SSSE3__)
 // Gathers each 16-byte group of four pairs into Y0 Y1 x4 | U x4 | V x4:
 // pair offsets plus the in-pair positions (0..3, so no byte carries). Any
@@ -63,13 +59,7 @@ inline void ShuffleSplitRow(const uint8_t* src, uint8_t* y, uint8_t* u, uint8_t*
 
 #if defined(__AVX2__)
 inline __m256i Average8(__m256i a, __m256i b) { return _mm256_avg_epu8(a, b); }
-inline __m256i SpreadWords(__m256i v) {
-  return _mm256_permutevar8x32_epi32(v, _mm256_setr_epi32(0, 2, 4, 6, 1, 3, 5, 7));
-}
 inline __m256i SpreadQuads(__m256i v) { return _mm256_permute4x64_epi64(v, 0xD8); }
-inline __m256i GatherWords(__m256i v) {
-  return _mm256_permutevar8x32_epi32(v, _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7));
-}
 #endif
 
 // The chroma row of the first chroma byte of a pair, and of the second.

@@ -61,49 +61,18 @@ inline void StoreUV(__m256i first, __m256i second, uint8_t* u, uint8_t* v) {
 
 #if defined(__SSSE3__)
 
-// A 128-bit vector repeated in every 128-bit lane of T's vector.
-template <typename T>
-typename T::V Lanes(__m128i v) {
-  if constexpr (T::kBytes == 16) {
-    return v;
-  } else {
-    return _mm256_broadcastsi128_si256(v);
-  }
-}
-
 template <typename T>
 typename T::V WordPair(int16_t lo, int16_t hi) {
   return Lanes<T>(_mm_set1_epi32(
       static_cast<int32_t>(static_cast<uint32_t>(static_cast<uint16_t>(hi)) << 16 | static_cast<uint16_t>(lo))));
 }
 
-inline __m128i MulAddBytes(__m128i unsignedBytes, __m128i signedBytes) {
-  return _mm_maddubs_epi16(unsignedBytes, signedBytes);
-}
 inline __m128i MulAdd16(__m128i a, __m128i b) { return _mm_madd_epi16(a, b); }
 inline __m128i HorizontalAdd16(__m128i a, __m128i b) { return _mm_hadd_epi16(a, b); }
-inline __m128i Xor(__m128i a, __m128i b) { return _mm_xor_si128(a, b); }
-inline __m128i Add32(__m128i a, __m128i b) { return _mm_add_epi32(a, b); }
-inline __m128i ShuffleBytes(__m128i v, __m128i mask) { return _mm_shuffle_epi8(v, mask); }
-inline __m128i UnpackLow64(__m128i a, __m128i b) { return _mm_unpacklo_epi64(a, b); }
-inline __m128i UnpackHigh64(__m128i a, __m128i b) { return _mm_unpackhi_epi64(a, b); }
-// 4-byte groups from their per-lane order 0 2 4 6 | 1 3 5 7 to memory order.
-inline __m128i GatherWords(__m128i v) { return v; }
 
 #if defined(__AVX2__)
-inline __m256i MulAddBytes(__m256i unsignedBytes, __m256i signedBytes) {
-  return _mm256_maddubs_epi16(unsignedBytes, signedBytes);
-}
 inline __m256i MulAdd16(__m256i a, __m256i b) { return _mm256_madd_epi16(a, b); }
 inline __m256i HorizontalAdd16(__m256i a, __m256i b) { return _mm256_hadd_epi16(a, b); }
-inline __m256i Xor(__m256i a, __m256i b) { return _mm256_xor_si256(a, b); }
-inline __m256i Add32(__m256i a, __m256i b) { return _mm256_add_epi32(a, b); }
-inline __m256i ShuffleBytes(__m256i v, __m256i mask) { return _mm256_shuffle_epi8(v, mask); }
-inline __m256i UnpackLow64(__m256i a, __m256i b) { return _mm256_unpacklo_epi64(a, b); }
-inline __m256i UnpackHigh64(__m256i a, __m256i b) { return _mm256_unpackhi_epi64(a, b); }
-inline __m256i GatherWords(__m256i v) {
-  return _mm256_permutevar8x32_epi32(v, _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7));
-}
 #endif
 
 // Luma numerator of four pixels less 28160, two 16-bit partials per pixel.

@@ -25,12 +25,8 @@ namespace Lumaforge::x86 {
 namespace {
 
 inline __m128i MulHigh16(__m128i a, __m128i b) { return _mm_mulhi_epi16(a, b); }
-inline __m128i UnpackLow16(__m128i a, __m128i b) { return _mm_unpacklo_epi16(a, b); }
-inline __m128i UnpackHigh16(__m128i a, __m128i b) { return _mm_unpackhi_epi16(a, b); }
 #if defined(__AVX2__)
 inline __m256i MulHigh16(__m256i a, __m256i b) { return _mm256_mulhi_epi16(a, b); }
-inline __m256i UnpackLow16(__m256i a, __m256i b) { return _mm256_unpacklo_epi16(a, b); }
-inline __m256i UnpackHigh16(__m256i a, __m256i b) { return _mm256_unpackhi_epi16(a, b); }
 #endif
 
 // Shifts, clamps and interleaves kBytes pixels (the sums of the first and
@@ -57,9 +53,6 @@ void StoreBgra(typename T::V b0, typename T::V b1, typename T::V g0, typename T:
 // A pmaddubsw operand holding `lo` in the even and `hi` in the odd bytes.
 constexpr int16_t BytePair(int lo, int hi) { return static_cast<int16_t>((hi << 8) | (lo & 0xff)); }
 
-inline __m128i MulAddBytes(__m128i unsignedBytes, __m128i signedBytes) {
-  return _mm_maddubs_epi16(unsignedBytes, signedBytes);
-}
 inline __m128i AddSaturate16(__m128i a, __m128i b) { return _mm_adds_epi16(a, b); }
 
 // Luma 0-15 and the signed (u - 128, v - 128) pair of each pixel, pixels
@@ -74,9 +67,6 @@ inline void LoadPixels(const uint8_t* y, const uint8_t* u, const uint8_t* v, __m
 }
 
 #if defined(__AVX2__)
-inline __m256i MulAddBytes(__m256i unsignedBytes, __m256i signedBytes) {
-  return _mm256_maddubs_epi16(unsignedBytes, signedBytes);
-}
 inline __m256i AddSaturate16(__m256i a, __m256i b) { return _mm256_adds_epi16(a, b); }
 
 // Luma 0-31 with its 4-pixel groups 0, 2, 4, 6 in the low lane and 1, 3, 5,

@@ -38,12 +38,8 @@ inline void Store12(uint8_t* out, __m128i v) {
 
 inline __m128i AvgU8(__m128i a, __m128i b) { return _mm_avg_epu8(a, b); }
 inline __m128i Or(__m128i a, __m128i b) { return _mm_or_si128(a, b); }
-inline __m128i Xor(__m128i a, __m128i b) { return _mm_xor_si128(a, b); }
 inline __m128i MulHiU16(__m128i a, __m128i b) { return _mm_mulhi_epu16(a, b); }
 inline __m128i MaddWords(__m128i a, __m128i b) { return _mm_madd_epi16(a, b); }
-inline __m128i UnpackLow16(__m128i a, __m128i b) { return _mm_unpacklo_epi16(a, b); }
-inline __m128i UnpackHigh16(__m128i a, __m128i b) { return _mm_unpackhi_epi16(a, b); }
-inline __m128i Add32(__m128i a, __m128i b) { return _mm_add_epi32(a, b); }
 inline __m128i PackS32(__m128i a, __m128i b) { return _mm_packs_epi32(a, b); }
 template <int kBits>
 __m128i ShiftRight32(__m128i v) {
@@ -65,12 +61,8 @@ inline void StoreLowHalf(uint8_t* p, __m128i v) { _mm_storel_epi64(reinterpret_c
 #if defined(__AVX2__)
 inline __m256i AvgU8(__m256i a, __m256i b) { return _mm256_avg_epu8(a, b); }
 inline __m256i Or(__m256i a, __m256i b) { return _mm256_or_si256(a, b); }
-inline __m256i Xor(__m256i a, __m256i b) { return _mm256_xor_si256(a, b); }
 inline __m256i MulHiU16(__m256i a, __m256i b) { return _mm256_mulhi_epu16(a, b); }
 inline __m256i MaddWords(__m256i a, __m256i b) { return _mm256_madd_epi16(a, b); }
-inline __m256i UnpackLow16(__m256i a, __m256i b) { return _mm256_unpacklo_epi16(a, b); }
-inline __m256i UnpackHigh16(__m256i a, __m256i b) { return _mm256_unpackhi_epi16(a, b); }
-inline __m256i Add32(__m256i a, __m256i b) { return _mm256_add_epi32(a, b); }
 inline __m256i PackS32(__m256i a, __m256i b) { return _mm256_packs_epi32(a, b); }
 template <int kBits>
 __m256i ShiftRight32(__m256i v) {
