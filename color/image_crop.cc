@@ -44,8 +44,9 @@ bool CImageCrop::ComputeRectangle(uint32_t code, uint32_t width, uint32_t height
   CropRectangle r;
   if (c.mode == 1) {
     r = {c.top, c.left, c.width, c.height};
-    if (r.left + r.width > width) r.width = width - r.left;
-    if (r.top + r.height > height) r.height = height - r.top;
+    // In 64 bits: a rectangle reaching past 2^32 is clipped, not wrapped.
+    if (uint64_t{r.left} + r.width > width) r.width = width - r.left;
+    if (uint64_t{r.top} + r.height > height) r.height = height - r.top;
   } else if (c.mode == 0) {
     // Fitted at the top-left corner, not centred.
     const bool pictureIsWider = static_cast<float>(width) / static_cast<float>(height) >

@@ -1,6 +1,7 @@
 #include "filters/gauss_blur.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 
 #include "filters/kernels/deriche_coefficients.h"
@@ -29,32 +30,29 @@ float* ReserveFloats(WorkBlock& block, uint64_t count) {
 CGaussBlur::CGaussBlur(uint32_t cpuFeatures) {
   SetName("GaussBlur");
   CreateLogger();
-  SetSigma(m_fSigma);
+  m_coefficients = ComputeDericheCoefficients(m_fSigma);
   InitGaussBlurKernels(&m_kernels, cpuFeatures);
 }
 
-void CGaussBlur::SetSigma(float sigma) {
-  m_fSigma = sigma < kMinGaussSigma ? kMinGaussSigma : sigma;
+bool CGaussBlur::SetSigma(const void* value) {
+  float sigma;
+  std::memcpy(&sigma, value, sizeof(sigma));
+  // NaN and infinities would make every coefficient NaN.
+  if (!std::isfinite(sigma)) return false;
+  m_fSigma = std::clamp(sigma, kMinGaussSigma, kMaxGaussSigma);
   m_coefficients = ComputeDericheCoefficients(m_fSigma);
+  return true;
 }
 
 int32_t CGaussBlur::Init(void* config, uint8_t /*flag*/) {
-  if (config) {
-    float sigma;
-    std::memcpy(&sigma, config, sizeof(sigma));
-    SetSigma(sigma);
-  }
+  if (config && !SetSigma(config)) return LF_INVALID_PARAMETER;
   ResetTiming();
   return LF_OK;
 }
 
 int32_t CGaussBlur::SetParam(ParamId id, void* value) {
   if (!value) return LF_INVALID_PARAMETER;
-  if (id == LF_PARAM_BLUR_SIGMA) {
-    float sigma;
-    std::memcpy(&sigma, value, sizeof(sigma));
-    SetSigma(sigma);
-  }
+  if (id == LF_PARAM_BLUR_SIGMA && !SetSigma(value)) return LF_INVALID_PARAMETER;
   return LF_OK;
 }
 
@@ -121,9 +119,9 @@ int32_t CGaussBlur::Process(VideoPicture* input, VideoPicture* output) {
 }
 
 namespace {
-constexpr ParamDescriptor kGaussBlurParams[] = {{LF_PARAM_BLUR_SIGMA, ParamType::kFloat, kParamSet | kParamGet, "sigma",
-                                                 "standard deviation in pixels (smaller values are raised to 0.5)", 0.5,
-                                                 1000}};
+constexpr ParamDescriptor kGaussBlurParams[] = {
+    {LF_PARAM_BLUR_SIGMA, ParamType::kFloat, kParamSet | kParamGet, "sigma",
+     "standard deviation in pixels, held to 0.5 .. 1000 (NaN and infinities refused)", 0.5, 1000}};
 }  // namespace
 
 extern const FilterDescriptor kGaussBlurDescriptor = {LF_FILTER_GAUSS_BLUR,     "GaussBlur",     "Create GaussBlur(%p)",

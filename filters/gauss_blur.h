@@ -16,7 +16,8 @@ class CGaussBlur : public CLumaforgeFramework {
  public:
   explicit CGaussBlur(uint32_t cpuFeatures);
 
-  // `config` points to the float sigma; null keeps the current one.
+  // `config` points to the float sigma; null keeps the current one. A
+  // sigma that is not finite is refused with -2.
   int32_t Init(void* config, uint8_t flag) override;
   // Blurs the input into the output's planes (only those pointers are
   // used): 32-bit RGB as four channels, I420/YV12 plane by plane, grey (31)
@@ -28,7 +29,9 @@ class CGaussBlur : public CLumaforgeFramework {
   int32_t GetParam(ParamId id, void* value) override;
 
  private:
-  void SetSigma(float sigma);
+  // Takes the float at `value`, held to 0.5 .. 1000; false (nothing
+  // changed) for NaN and infinities.
+  bool SetSigma(const void* value);
   // Blurs one plane of `channels` interleaved channels; false when the
   // work buffers cannot be had.
   bool Blur(const uint8_t* src, uint8_t* dst, uint32_t channels, uint32_t width, uint32_t height);

@@ -8,6 +8,8 @@ namespace Lumaforge {
 
 // Sigmas below this are raised to it.
 constexpr float kMinGaussSigma = 0.5f;
+// Larger sigmas are held here; the coefficients stay finite well beyond it.
+constexpr float kMaxGaussSigma = 1000.0f;
 
 // Single-precision coefficients for `sigma` (already raised to the minimum).
 // coefp and coefn are the steady-state gains of the two recursions, so a

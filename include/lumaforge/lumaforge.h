@@ -69,7 +69,7 @@ enum ParamId : int32_t {
   LF_PARAM_TIMING_INTERVAL = 53,  // SetParam, int32_t ms between timing lines (<1 means 10000); answers -1
   LF_PARAM_TIME_PER_FRAME = 54,   // GetParam, double: microseconds per frame since the last timing line
   LF_PARAM_CROP_CONFIG = 58,      // SetParam on the crop filter, CropConfig
-  LF_PARAM_BLUR_SIGMA = 59,       // SetParam/GetParam on the Gaussian blur, float sigma (raised to 0.5 at least)
+  LF_PARAM_BLUR_SIGMA = 59,  // SetParam/GetParam on the Gaussian blur, float sigma, held to 0.5 .. 1000 (NaN, inf: -2)
 };
 
 // Filter types: the first argument of every ILumaforge call.

@@ -52,6 +52,18 @@ TEST_F(CropTest, ExplicitRectangleIsClippedToThePicture) {
   EXPECT_EQ(out.strides[0], in.strides[0]);
 }
 
+// Left plus width past 2^32 must clip, not wrap around to a huge rectangle.
+TEST_F(CropTest, RectanglesReachingPast32BitsAreClippedNotWrapped) {
+  VideoPicture in = Picture(LF_BGRA, 64, 64), out = {};
+  ASSERT_EQ(Crop({1, 0, 8, 0xFFFFFFFCu, 4}, in, out), LF_OK);
+  EXPECT_EQ(out.width, 56u);
+  EXPECT_EQ(out.height, 4u);
+  VideoPicture i420 = Picture(LF_I420, 64, 64);
+  ASSERT_EQ(Crop({1, 60, 0, 8, 0xFFFFFFF0u}, i420, out), LF_OK);
+  EXPECT_EQ(out.width, 8u);
+  EXPECT_EQ(out.height, 4u);
+}
+
 TEST_F(CropTest, SubsampledFormatsRoundToEvenAndMoveChroma) {
   VideoPicture in = Picture(LF_I420, 640, 360), out = {};
   ASSERT_EQ(Crop({1, 11, 7, 101, 51}, in, out), LF_OK);

@@ -58,6 +58,24 @@ TEST(GaussBlur, SigmaIsSetByInitAndParameterAndNeverBelowOneHalf) {
   EXPECT_FLOAT_EQ(blur.Sigma(), 0.5f);
 }
 
+// Sigmas that are not finite would make NaN coefficients: they are refused
+// and the sigma stays. Huge finite ones are held at 1000, which still blurs.
+TEST(GaussBlur, NonFiniteSigmasAreRefusedAndHugeOnesHeld) {
+  Blur blur(3.0f);
+  for (float bad : {std::nanf(""), INFINITY, -INFINITY}) {
+    EXPECT_EQ(blur.lf->SetParam(LF_FILTER_GAUSS_BLUR, LF_PARAM_BLUR_SIGMA, &bad), LF_INVALID_PARAMETER);
+    EXPECT_EQ(blur.lf->Init(LF_FILTER_GAUSS_BLUR, &bad, 0), LF_INVALID_PARAMETER);
+    EXPECT_FLOAT_EQ(blur.Sigma(), 3.0f);
+  }
+  float huge = 1e30f;
+  EXPECT_EQ(blur.lf->SetParam(LF_FILTER_GAUSS_BLUR, LF_PARAM_BLUR_SIGMA, &huge), LF_OK);
+  EXPECT_FLOAT_EQ(blur.Sigma(), 1000.0f);
+  OwnedPicture in(LF_BGRA, 40, 24, 0), out(LF_BGRA, 40, 24, 0);
+  in.Fill(200);
+  ASSERT_EQ(blur.Run(in, out), LF_OK);
+  for (size_t i = 0; i < size_t{40} * 24 * 4; ++i) ASSERT_GE(out.memory[0][i], 199) << i;
+}
+
 TEST(GaussBlur, ConstantPicturesStayConstantAtEveryLevel) {
   ForEachCpuLevel([](const CpuLevel& level) {
     for (uint32_t format : {LF_BGRA, LF_I420, LF_VYUY}) {
