@@ -3,6 +3,7 @@
 // whatever format the filter saw before.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <vector>
 
 #include "lumaforge/lumaforge.h"
@@ -27,6 +28,55 @@ class Downsampler {
     return lf->Process(LF_FILTER_DOWNSAMPLE, &in.picture, &out.picture);
   }
   ILumaforge* lf = nullptr;
+};
+
+// An I420 picture whose planes are separate heap blocks of exactly the
+// given strides, each starting on a 32-byte boundary.
+class StridedI420 {
+ public:
+  StridedI420(uint32_t width, uint32_t height, std::array<uint32_t, 3> strides) {
+    picture.format = LF_I420;
+    picture.width = width;
+    picture.height = height;
+    for (int k = 0; k < 3; ++k) {
+      const uint32_t rows = k ? height / 2 : height;
+      memory_[k].assign(static_cast<size_t>(strides[k]) * rows + 32, 0);
+      const auto address = reinterpret_cast<uintptr_t>(memory_[k].data());
+      picture.planes[k] = memory_[k].data() + ((32 - address % 32) % 32);
+      picture.strides[k] = strides[k];
+    }
+  }
+  StridedI420(const StridedI420&) = delete;
+  StridedI420& operator=(const StridedI420&) = delete;
+  void FillRandom(uint32_t seed) {
+    for (auto& plane : memory_) {
+      for (uint8_t& byte : plane) {
+        seed = seed * 1664525u + 1013904223u;
+        byte = static_cast<uint8_t>(seed >> 24);
+      }
+    }
+  }
+  // The visible rows of every plane.
+  std::vector<uint8_t> Rows() const {
+    std::vector<uint8_t> bytes;
+    for (int k = 0; k < 3; ++k) {
+      const uint32_t rows = k ? picture.height / 2 : picture.height, width = k ? picture.width / 2 : picture.width;
+      for (uint32_t y = 0; y < rows; ++y) {
+        const uint8_t* row = picture.planes[k] + static_cast<size_t>(y) * picture.strides[k];
+        bytes.insert(bytes.end(), row, row + width);
+      }
+    }
+    return bytes;
+  }
+  std::vector<uint8_t> AllBytes() const {
+    std::vector<uint8_t> bytes;
+    for (const auto& plane : memory_) bytes.insert(bytes.end(), plane.begin(), plane.end());
+    return bytes;
+  }
+  VideoPicture picture = {};
+
+ private:
+  std::vector<uint8_t> memory_[3];
 };
 
 // Every row of every plane of a picture, padding left out.
@@ -80,6 +130,61 @@ TEST(Downsample, AFrameScalesTheSameAfterFramesOfAnotherFormat) {
   OwnedPicture after(LF_I420, 320, 180);
   ASSERT_EQ(shared.Run(i420, after), LF_OK);
   EXPECT_EQ(Rows(after), Rows(fresh));
+}
+
+// Strides the filter must copy into its own pictures (not multiples of 16)
+// and strides it uses in place.
+constexpr std::array<uint32_t, 3> kCopiedIn = {66, 34, 34}, kCopiedOut = {34, 18, 18};
+constexpr std::array<uint32_t, 3> kInPlaceIn = {64, 32, 32}, kInPlaceOut = {32, 16, 16};
+
+// What a filter that has seen nothing else makes of a frame.
+std::vector<uint8_t> FreshResult(const StridedI420& in, uint8_t callerBuffers) {
+  Downsampler filter(callerBuffers);
+  StridedI420 out(32, 32, kCopiedOut);
+  VideoPicture input = in.picture;
+  EXPECT_EQ(filter.lf->Process(LF_FILTER_DOWNSAMPLE, &input, &out.picture), LF_OK);
+  return out.Rows();
+}
+
+// A frame the filter works on in place must leave no pointer behind: the
+// next frame that needs the filter's own pictures neither reads nor writes
+// the earlier frame's planes (a host may have freed them).
+TEST(Downsample, AFrameNeverReachesThePlanesOfAnEarlierFrame) {
+  Downsampler filter(1);
+  StridedI420 in1(64, 64, kCopiedIn), out1(32, 32, kCopiedOut);
+  StridedI420 in2(64, 64, kInPlaceIn), out2(32, 32, kInPlaceOut);
+  StridedI420 in3(64, 64, kCopiedIn), out3(32, 32, kCopiedOut);
+  in1.FillRandom(1);
+  in2.FillRandom(2);
+  in3.FillRandom(3);
+  ASSERT_EQ(filter.lf->Process(LF_FILTER_DOWNSAMPLE, &in1.picture, &out1.picture), LF_OK);
+  ASSERT_EQ(filter.lf->Process(LF_FILTER_DOWNSAMPLE, &in2.picture, &out2.picture), LF_OK);
+  const std::vector<uint8_t> in2Bytes = in2.AllBytes(), out2Bytes = out2.AllBytes();
+  ASSERT_EQ(filter.lf->Process(LF_FILTER_DOWNSAMPLE, &in3.picture, &out3.picture), LF_OK);
+  EXPECT_EQ(in2.AllBytes(), in2Bytes);
+  EXPECT_EQ(out2.AllBytes(), out2Bytes);
+  EXPECT_EQ(out3.Rows(), FreshResult(in3, 1));
+}
+
+// Leaving caller-buffer mode hands back the filter's own planes, never the
+// planes of the last frame the filter wrote in place.
+TEST(Downsample, LeavingCallerBufferModeHandsBackTheFiltersOwnPlanes) {
+  Downsampler filter(1);
+  StridedI420 in1(64, 64, kCopiedIn), out1(32, 32, kCopiedOut);
+  StridedI420 in2(64, 64, kInPlaceIn), out2(32, 32, kInPlaceOut);
+  StridedI420 in3(64, 64, kCopiedIn), out3(32, 32, kCopiedOut);
+  in1.FillRandom(1);
+  in2.FillRandom(2);
+  in3.FillRandom(3);
+  ASSERT_EQ(filter.lf->Process(LF_FILTER_DOWNSAMPLE, &in1.picture, &out1.picture), LF_OK);
+  ASSERT_EQ(filter.lf->Process(LF_FILTER_DOWNSAMPLE, &in2.picture, &out2.picture), LF_OK);
+  const std::vector<uint8_t> in2Bytes = in2.AllBytes(), out2Bytes = out2.AllBytes();
+  ASSERT_EQ(filter.lf->Init(LF_FILTER_DOWNSAMPLE, nullptr, 0), LF_OK);
+  VideoPicture handedBack = out3.picture;
+  ASSERT_EQ(filter.lf->Process(LF_FILTER_DOWNSAMPLE, &in3.picture, &handedBack), LF_OK);
+  for (int k = 0; k < 3; ++k) EXPECT_NE(handedBack.planes[k], out2.picture.planes[k]) << "plane " << k;
+  EXPECT_EQ(in2.AllBytes(), in2Bytes);
+  EXPECT_EQ(out2.AllBytes(), out2Bytes);
 }
 
 }  // namespace
