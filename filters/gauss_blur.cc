@@ -25,6 +25,22 @@ float* ReserveFloats(WorkBlock& block, uint64_t count) {
   return reinterpret_cast<float*>(block.Reserve(static_cast<uint32_t>(bytes), kBufferAlignment));
 }
 
+// The filter writes the input's layout into the output planes. An output
+// record that states a size or format (non-zero) must have planes at least
+// that large; fields left at zero take the input's.
+bool OutputHolds(const VideoPicture& output, const PlaneLayout& result, const VideoPicture& input) {
+  if (!output.width && !output.height && !output.format) return true;
+  const uint32_t format = output.format ? output.format : input.format;
+  const PlaneLayout stated = LayoutOf(format, FormatReading::kPlanes, output.width ? output.width : input.width,
+                                      output.height ? output.height : input.height);
+  if (stated.planes != result.planes) return false;
+  for (int32_t k = 0; k < result.planes; ++k) {
+    if (stated.plane[k].rowBytes * stated.plane[k].height < result.plane[k].rowBytes * result.plane[k].height)
+      return false;
+  }
+  return true;
+}
+
 }  // namespace
 
 CGaussBlur::CGaussBlur(uint32_t cpuFeatures) {
@@ -110,6 +126,8 @@ int32_t CGaussBlur::Process(VideoPicture* input, VideoPicture* output) {
   // (code 31 is one grey plane here).
   const PlaneLayout layout = LayoutOf(code, FormatReading::kPlanes, input->width, input->height);
   if (!PlanesPresent(*input, layout) || !PlanesPresent(*output, layout)) return LF_INVALID_PARAMETER;
+  if (!PackedPlanesFit(layout)) return LF_INVALID_PARAMETER;
+  if (!OutputHolds(*output, layout, *input)) return LF_UNSUPPORTED;
   for (int32_t k = 0; k < layout.planes; ++k) {
     const PlaneShape& plane = layout.plane[k];
     if (!Blur(input->planes[k], output->planes[k], layout.bytesPerPixel, plane.width, plane.height)) return LF_FAILED;

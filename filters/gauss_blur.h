@@ -21,7 +21,9 @@ class CGaussBlur : public CLumaforgeFramework {
   int32_t Init(void* config, uint8_t flag) override;
   // Blurs the input into the output's planes (only those pointers are
   // used): 32-bit RGB as four channels, I420/YV12 plane by plane, grey (31)
-  // as one plane. Rows are width (x channels) bytes apart.
+  // as one plane. Rows are width (x channels) bytes apart. An output record
+  // that states a size or format whose planes are smaller than the result
+  // is refused with -4; one that leaves them zero is trusted.
   int32_t Process(VideoPicture* input, VideoPicture* output) override;
   // LF_PARAM_BLUR_SIGMA sets the sigma.
   int32_t SetParam(ParamId id, void* value) override;

@@ -128,6 +128,29 @@ inline bool PlanesPresent(const VideoPicture& picture, const PlaneLayout& layout
   return true;
 }
 
+// Filters and kernels address a plane with 32-bit offsets and sizes: a
+// picture whose plane would reach this many bytes is refused, not wrapped.
+inline constexpr uint64_t kMaxPlaneBytes = uint64_t{1} << 31;
+
+// True when every plane's stride holds the plane's row and the plane at that
+// stride stays below kMaxPlaneBytes.
+inline bool StridesHoldRows(const VideoPicture& picture, const PlaneLayout& layout) {
+  for (int32_t k = 0; k < layout.planes; ++k) {
+    if (picture.strides[k] < layout.plane[k].rowBytes) return false;
+    if (layout.PlaneBytes(k, picture.strides[k]) >= kMaxPlaneBytes) return false;
+  }
+  return true;
+}
+
+// For filters that address rows by the width (tightly packed planes): every
+// plane stays below kMaxPlaneBytes.
+inline bool PackedPlanesFit(const PlaneLayout& layout) {
+  for (int32_t k = 0; k < layout.planes; ++k) {
+    if (layout.plane[k].rowBytes * layout.plane[k].height >= kMaxPlaneBytes) return false;
+  }
+  return true;
+}
+
 }  // namespace Lumaforge
 
 #endif  // LUMAFORGE_FRAMEWORK_PLANE_LAYOUT_H_

@@ -149,6 +149,17 @@ int32_t CDownsampling::InitBuffer(const VideoPicture* input, VideoPicture* outpu
                 W, H, w, h);
   }
   if (!IsDownsampledFormat(code)) return LF_INVALID_PARAMETER;
+  if (!StridesHoldRows(*input, m_layout)) {
+    return fail(LF_INVALID_PARAMETER,
+                "CDownsampling::InitBuffer(), input stride is smaller than a row, or a plane reaches 2 GB.");
+  }
+  // The result has the input's format; an output record stating another
+  // format has other planes (0 leaves it to the input).
+  const uint32_t outCode = FormatCode(output->format);
+  if (outCode != 0 && outCode != code) {
+    return fail(LF_INVALID_PARAMETER, "CDownsampling::InitBuffer(), output format %d differs from input format %d.",
+                outCode, code);
+  }
 
   // The sample planes are cut for the format at hand, so a frame scales the
   // same way whatever format came before it.
@@ -170,8 +181,13 @@ int32_t CDownsampling::InitBuffer(const VideoPicture* input, VideoPicture* outpu
     }
     return LF_OK;
   }
-  if (!output->planes[0])
+  // The kernels write the caller's planes, so every one the format has must
+  // be there and hold its rows.
+  const PlaneLayout outLayout = LayoutOf(code, FormatReading::kPlanes, w, h);
+  if (!PlanesPresent(*output, outLayout))
     return fail(LF_INVALID_PARAMETER, "CDownsampling::InitBuffer(), output data pointer is null.");
+  if (!StridesHoldRows(*output, outLayout))
+    return fail(LF_INVALID_PARAMETER, "CDownsampling::InitBuffer(), output stride is smaller than a row.");
   if (IsAligned(*input)) {
     m_SrcPicture = RecordPicture(*input);
   } else {
@@ -229,21 +245,28 @@ int32_t CDownsampling::AllocateWorkPicture(WorkBuffer& buffer, WorkPicture& pict
   // Rows padded to the alignment; packed rows are the padded width times
   // the bytes per pixel.
   const uint32_t align = m_uAlignment;
-  uint32_t strides[3] = {}, required = align;
+  uint32_t strides[3] = {};
+  uint64_t required = align;
   for (int32_t k = 0; k < m_layout.planes; ++k) {
     strides[k] = RoundUp(layout.plane[k].width, align) * m_layout.bytesPerPixel;
-    required += strides[k] * layout.plane[k].height;
+    required += uint64_t{strides[k]} * layout.plane[k].height;
+  }
+  // Blocks are sized in 32 bits; the planes of a picture this large could
+  // each be addressed but not all held in one block.
+  if (required > UINT32_MAX) {
+    buffer.allocated = false;
+    return LF_SETUP_ALLOC_FAILED;
   }
   // Kept for the same size and format; a picture of another format needs
   // another layout (and possibly more bytes) than the kept one.
   const bool keep =
       buffer.allocated && buffer.width == like.width && buffer.height == like.height && buffer.format == code;
   if (!keep) {
-    if (!buffer.block.Reserve(required)) {
+    if (!buffer.block.Reserve(static_cast<uint32_t>(required))) {
       buffer.allocated = false;
       return LF_SETUP_ALLOC_FAILED;
     }
-    std::memset(buffer.block.data(), 0, required);
+    std::memset(buffer.block.data(), 0, static_cast<size_t>(required));
   }
   // The picture is always cut again from the block: in caller-buffer mode it
   // may point at a caller's planes since the last frame. The first plane
@@ -261,7 +284,7 @@ int32_t CDownsampling::AllocateWorkPicture(WorkBuffer& buffer, WorkPicture& pict
   if (keep) return LF_OK;
   if (m_pLogger) {
     m_pLogger->Info("CDownsampling::%s(), allocate(reallocate) %s buffer, size=%d", what,
-                    std::strcmp(what, "AllocateSrcBuffer") == 0 ? "SrcPicture" : "DstPicture", required);
+                    std::strcmp(what, "AllocateSrcBuffer") == 0 ? "SrcPicture" : "DstPicture", static_cast<uint32_t>(required));
   }
   buffer.allocated = true;
   buffer.width = like.width;

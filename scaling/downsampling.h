@@ -37,6 +37,10 @@ class CDownsampling : public CLumaforgeFramework {
   // the filter's own buffer.
   int32_t Init(void* config, uint8_t flag) override;
   int32_t Uninit() override;
+  // Answers -1 for every bad record: missing records or planes (output
+  // planes only in caller-buffer mode), sizes that are zero, odd, below 16
+  // or not smaller, strides shorter than a row, planes of 2 GB or more, and
+  // an output format other than the input's (0 means the input's).
   int32_t Process(VideoPicture* input, VideoPicture* output) override;
   int32_t SetParam(ParamId id, void* value) override;
   int32_t GetParam(ParamId id, void* value) override;

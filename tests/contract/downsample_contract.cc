@@ -49,7 +49,12 @@ ContractTerms DownsampleContract() {
                        {"equal sizes", Same(LF_I420, 64, 64), AsGiven, LF_FAILED},
                        {"an odd size", {LF_I420, 64, 64, LF_I420, 32, 30}, OddOutputHeight, LF_FAILED},
                        {"a side below 16", {LF_BGRA, 64, 64, LF_BGRA, 14, 32}, AsGiven, LF_FAILED},
-                       {"a format it does not scale", {LF_NV12, 64, 64, LF_NV12, 32, 32}, AsGiven, LF_FAILED}}};
+                       {"a format it does not scale", {LF_NV12, 64, 64, LF_NV12, 32, 32}, AsGiven, LF_FAILED},
+                       {"an output of another format", {LF_I420, 64, 64, LF_RGB24, 32, 32}, AsGiven, LF_FAILED},
+                       {"RGB24 into I420 planes", {LF_RGB24, 64, 64, LF_I420, 32, 32}, AsGiven, LF_FAILED},
+                       {"an input stride short of its row", i420, ShortInputStride, LF_FAILED},
+                       {"a missing output chroma plane", i420, NoOutputPlane<1>, LF_FAILED, kNoFields, 1},
+                       {"an output stride short of its row", i420, ShortOutputStride, LF_FAILED, kNoFields, 1}}};
 }
 
 const ContractRegistration kRegistration(DownsampleContract);

@@ -43,6 +43,8 @@ struct ContractRefusal {
   int32_t status;  // the documented answer
   // Output record fields the refusal still writes, where that is documented.
   uint32_t writesOutput = kNoFields;
+  // The one Init flag the refusal applies under (-1: every flag).
+  int32_t onlyFlag = -1;
 };
 
 struct ContractTerms {
@@ -74,6 +76,9 @@ template <int kPlane>
 void NoOutputPlane(VideoPicture*&, VideoPicture*& out) {
   out->planes[kPlane] = nullptr;
 }
+// A first-plane stride one byte short of the row.
+inline void ShortInputStride(VideoPicture*& in, VideoPicture*&) { in->strides[0] = in->strides[0] - 9; }
+inline void ShortOutputStride(VideoPicture*&, VideoPicture*& out) { out->strides[0] = out->strides[0] - 9; }
 
 // A configuration record as Init's bytes.
 template <typename Record>

@@ -178,6 +178,7 @@ TEST_P(FilterContract, SameBytesWhateverCameBefore) {
 TEST_P(FilterContract, DocumentedRefusals) {
   for (const uint8_t flag : terms_.flags) {
     for (const ContractRefusal& refusal : terms_.refusals) {
+      if (refusal.onlyFlag >= 0 && refusal.onlyFlag != flag) continue;
       Session session(terms_, flag);
       const FormatReading reading = descriptor_->reading;
       const ContractFrame& f = refusal.frame;

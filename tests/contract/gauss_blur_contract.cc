@@ -13,7 +13,9 @@ ContractTerms GaussBlurContract() {
           .frames = {bgra, Same(LF_I420, 80, 60), Same(LF_VYUY, 37, 19), Same(LF_ABGR, 130, 7)},
           .refusals = {{"no input record", bgra, NoInput, LF_INVALID_PARAMETER},
                        {"no output plane", bgra, NoOutputPlane<0>, LF_INVALID_PARAMETER},
-                       {"a format it does not blur", Same(LF_NV12, 64, 48), AsGiven, LF_UNSUPPORTED}}};
+                       {"a format it does not blur", Same(LF_NV12, 64, 48), AsGiven, LF_UNSUPPORTED},
+                       {"a smaller output", {LF_BGRA, 64, 64, LF_BGRA, 32, 32}, AsGiven, LF_UNSUPPORTED},
+                       {"a grey output", {LF_BGRA, 64, 64, 31, 64, 64}, AsGiven, LF_UNSUPPORTED}}};
 }
 
 const ContractRegistration kRegistration(GaussBlurContract);
