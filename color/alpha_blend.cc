@@ -37,7 +37,12 @@ int32_t CAlphaBlend::Process(VideoPicture* input, VideoPicture* output) {
 
   // The whole format word: a bottom-up output is not accepted.
   if (!ListsFormat(kAlphaBlendFormats, output->format)) return LF_UNSUPPORTED;
-  if (LayoutOf(output->format, FormatReading::kPlanes, output->width, output->height).planes == 1) {
+  // Both pictures are read over the output's layout: every plane of it must
+  // be there in each, and small enough for the kernels' 32-bit widths.
+  const PlaneLayout layout = LayoutOf(output->format, FormatReading::kPlanes, output->width, output->height);
+  if (!PlanesPresent(*input, layout) || !PlanesPresent(*output, layout) || !PackedPlanesFit(layout))
+    return LF_INVALID_PARAMETER;
+  if (layout.planes == 1) {
     for (size_t r = 0; r < H; ++r) {
       kernels.rgb32Row(input->planes[0] + r * W * 4, output->planes[0] + r * W * 4, m_pAlphaMap + r * W,
                        static_cast<int32_t>(W));

@@ -17,7 +17,9 @@ class CAlphaBlend : public CLumaforgeFramework {
   // packed); it is kept, not copied.
   int32_t Init(void* config, uint8_t flag) override;
   // 32-bit RGB or I420/YV12 outputs; rows are addressed by the output width
-  // (pictures must be tightly packed), the input is read over the output size.
+  // (pictures must be tightly packed). Missing planes are refused with -2;
+  // the input's size and the map's are not checked: the input and the map
+  // are read over the output's width x height, so both must be that large.
   int32_t Process(VideoPicture* input, VideoPicture* output) override;
   // No parameters: only (0, null) is accepted.
   int32_t SetParam(ParamId id, void* value) override;

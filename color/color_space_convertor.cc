@@ -51,11 +51,13 @@ constexpr TableRow kTable[CColorSpaceConvertor::kEntries] = {
 
 bool IsRgbGroup(FormatGroup g) { return g == G::kPackedRgb24 || g == G::kPackedRgb32 || g == G::kPlanarRgb; }
 
-// Every plane the input's layout has must be there. Codes without a layout
-// of their own are read as I440 (three planes, chroma full width, half height).
-bool HasPlanes(const VideoPicture& p, FormatGroup group) {
+// Every plane the input's layout has must be there, with strides that hold
+// its rows. Codes without a layout of their own are read as I440 (three
+// planes, chroma full width, half height).
+bool InputReadable(const VideoPicture& p, FormatGroup group) {
   const uint32_t code = group == G::kOther ? LF_I440 : FormatCode(p.format);
-  return PlanesPresent(p, LayoutOf(code, FormatReading::kConversion, p.width, p.height));
+  const PlaneLayout layout = LayoutOf(code, FormatReading::kConversion, p.width, p.height);
+  return PlanesPresent(p, layout) && StridesHoldRows(p, layout);
 }
 
 }  // namespace
@@ -104,7 +106,7 @@ int32_t CColorSpaceConvertor::Process(VideoPicture* input, VideoPicture* output)
 
   const uint32_t inCode = FormatCode(input->format);
   const FormatGroup inGroup = ClassifyFormat(inCode);
-  if (!HasPlanes(*input, inGroup)) return LF_INVALID_PARAMETER;
+  if (!InputReadable(*input, inGroup)) return LF_INVALID_PARAMETER;
 
   const uint32_t outCode = FormatCode(output->format);
   if (outCode < 1 || outCode > 31) return LF_UNSUPPORTED;

@@ -26,7 +26,10 @@ class CColorSpaceConvertor : public CLumaforgeFramework {
   explicit CColorSpaceConvertor(uint32_t cpuFeatures);
 
   int32_t Init(void* config, uint8_t flag) override;
-  // Clears bit 0 of both records' width and height in place, then converts.
+  // Clears bit 0 of both records' width and height in place, then converts
+  // over the smaller of the two sizes. The input is checked (-2 for missing
+  // planes, strides shorter than a row, planes of 2 GB or more); the output
+  // record is not: its planes must exist and hold its format at its size.
   int32_t Process(VideoPicture* input, VideoPicture* output) override;
   // Answers 0 to every id, without a value: conversions are not timed.
   int32_t GetParam(ParamId id, void* value) override;

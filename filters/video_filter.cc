@@ -121,13 +121,15 @@ int32_t CVideoFilter::Process(VideoPicture* input, VideoPicture* /*output*/) {
     VideoFilterConfig config{input->width, input->height, input->format, m_uEffect};
     Init(&config, 0);
   }
-  if (!PlanesPresent(*input, LayoutOf(LF_I420, FormatReading::kPlanes, input->width, input->height)))
-    return LF_INVALID_PARAMETER;
-  // The colour effects convert through RGB, which works on whole 2x2 blocks.
+  const PlaneLayout layout = LayoutOf(LF_I420, FormatReading::kPlanes, input->width, input->height);
+  if (!PlanesPresent(*input, layout)) return LF_INVALID_PARAMETER;
+  // The colour effects convert through RGB, which works on whole 2x2 blocks
+  // and reads rows by the strides; the chroma effects take the chroma
+  // planes as one run of samples.
   const bool viaRgb =
       m_uEffect == LF_EFFECT_SEPIA || m_uEffect == LF_EFFECT_TONE_CURVES || m_uEffect == LF_EFFECT_CURVE_TABLES;
   if (viaRgb && ((input->width | input->height) & 1)) return LF_INVALID_PARAMETER;
-  if (viaRgb && input->strides[0] < input->width) return LF_INVALID_PARAMETER;
+  if (viaRgb ? !StridesHoldRows(*input, layout) : !PackedPlanesFit(layout)) return LF_INVALID_PARAMETER;
   const int32_t status = EnsureWorkBuffers(input->strides[0], input->height);
   if (status != LF_OK) return status;
   RunEffect(*input);

@@ -22,7 +22,9 @@ class CVideoFilter : public CLumaforgeFramework {
   int32_t Init(void* config, uint8_t flag) override;
   // Frees the RGB work buffers.
   int32_t Uninit() override;
-  // Changes `input` in place; `output` is not used.
+  // Changes `input` in place; `output` is not used. Refuses with -2 missing
+  // planes, and, for the effects through RGB, odd sizes and strides shorter
+  // than a row.
   int32_t Process(VideoPicture* input, VideoPicture* output) override;
   // LF_PARAM_VIDEO_EFFECT sets the effect (uint32_t).
   int32_t SetParam(ParamId id, void* value) override;

@@ -24,7 +24,10 @@ ContractTerms AlphaBlendContract() {
           .refusals = {{"no input record", bgra, NoInput, LF_INVALID_PARAMETER},
                        {"no output record", bgra, NoOutput, LF_INVALID_PARAMETER},
                        {"a format it does not blend", Same(LF_NV12, 64, 48), AsGiven, LF_UNSUPPORTED},
-                       {"a bottom-up output", bgra, BottomUpOutput, LF_UNSUPPORTED}}};
+                       {"a bottom-up output", bgra, BottomUpOutput, LF_UNSUPPORTED},
+                       {"a missing input chroma plane", Same(LF_I420, 64, 48), NoInputPlane<2>, LF_INVALID_PARAMETER},
+                       {"a missing output plane", bgra, NoOutputPlane<0>, LF_INVALID_PARAMETER},
+                       {"an output of 2^61 bytes", bgra, HugeOutput, LF_INVALID_PARAMETER}}};
 }
 
 const ContractRegistration kRegistration(AlphaBlendContract);

@@ -22,7 +22,9 @@ ContractTerms CscContract() {
                        {"no output record", i420, NoOutput, LF_INVALID_PARAMETER},
                        {"a missing input plane", i420, NoInputPlane<1>, LF_INVALID_PARAMETER},
                        {"an output format outside the codes", i420, OutputFormatZero, LF_UNSUPPORTED},
-                       {"a pair without a conversion", {LF_I440, 32, 16, LF_BGRA, 32, 16}, AsGiven, LF_UNSUPPORTED}}};
+                       {"a pair without a conversion", {LF_I440, 32, 16, LF_BGRA, 32, 16}, AsGiven, LF_UNSUPPORTED},
+                       {"an input stride short of its row", i420, ShortInputStride, LF_INVALID_PARAMETER},
+                       {"an input of 2^61 bytes", i420, HugeInput, LF_INVALID_PARAMETER}}};
 }
 
 const ContractRegistration kRegistration(CscContract);

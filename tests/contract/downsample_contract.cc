@@ -54,7 +54,8 @@ ContractTerms DownsampleContract() {
                        {"RGB24 into I420 planes", {LF_RGB24, 64, 64, LF_I420, 32, 32}, AsGiven, LF_FAILED},
                        {"an input stride short of its row", i420, ShortInputStride, LF_FAILED},
                        {"a missing output chroma plane", i420, NoOutputPlane<1>, LF_FAILED, kNoFields, 1},
-                       {"an output stride short of its row", i420, ShortOutputStride, LF_FAILED, kNoFields, 1}}};
+                       {"an output stride short of its row", i420, ShortOutputStride, LF_FAILED, kNoFields, 1},
+                       {"an input of 2^61 bytes", i420, HugeInput, LF_FAILED}}};
 }
 
 const ContractRegistration kRegistration(DownsampleContract);

@@ -79,6 +79,16 @@ void NoOutputPlane(VideoPicture*&, VideoPicture*& out) {
 // A first-plane stride one byte short of the row.
 inline void ShortInputStride(VideoPicture*& in, VideoPicture*&) { in->strides[0] = in->strides[0] - 9; }
 inline void ShortOutputStride(VideoPicture*&, VideoPicture*& out) { out->strides[0] = out->strides[0] - 9; }
+// A record claiming 2^30 x 2^31 pixels at strides of 2^31 bytes, over the
+// small buffers of the test: its byte counts pass 32 bits, so it must be
+// refused before anything is read.
+inline void Huge(VideoPicture& p) {
+  p.width = 1u << 30;
+  p.height = 1u << 31;
+  for (uint32_t& stride : p.strides) stride = 1u << 31;
+}
+inline void HugeInput(VideoPicture*& in, VideoPicture*&) { Huge(*in); }
+inline void HugeOutput(VideoPicture*&, VideoPicture*& out) { Huge(*out); }
 
 // A configuration record as Init's bytes.
 template <typename Record>

@@ -15,7 +15,8 @@ ContractTerms GaussBlurContract() {
                        {"no output plane", bgra, NoOutputPlane<0>, LF_INVALID_PARAMETER},
                        {"a format it does not blur", Same(LF_NV12, 64, 48), AsGiven, LF_UNSUPPORTED},
                        {"a smaller output", {LF_BGRA, 64, 64, LF_BGRA, 32, 32}, AsGiven, LF_UNSUPPORTED},
-                       {"a grey output", {LF_BGRA, 64, 64, 31, 64, 64}, AsGiven, LF_UNSUPPORTED}}};
+                       {"a grey output", {LF_BGRA, 64, 64, 31, 64, 64}, AsGiven, LF_UNSUPPORTED},
+                       {"an input of 2^61 bytes", bgra, HugeInput, LF_INVALID_PARAMETER}}};
 }
 
 const ContractRegistration kRegistration(GaussBlurContract);

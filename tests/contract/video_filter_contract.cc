@@ -16,7 +16,9 @@ ContractTerms VideoFilterContract() {
           .frames = {frame(LF_I420, 64, 48), frame(LF_I420, 320, 240), frame(LF_I420, 66, 50)},
           .refusals = {{"no input record", frame(LF_I420, 64, 48), NoInput, LF_INVALID_PARAMETER},
                        {"a format other than I420", frame(LF_BGRA, 64, 48), AsGiven, LF_UNSUPPORTED},
-                       {"a missing chroma plane", frame(LF_I420, 64, 48), NoInputPlane<2>, LF_INVALID_PARAMETER}}};
+                       {"a missing chroma plane", frame(LF_I420, 64, 48), NoInputPlane<2>, LF_INVALID_PARAMETER},
+                       {"an input stride short of its row", frame(LF_I420, 64, 48), ShortInputStride, LF_INVALID_PARAMETER},
+                       {"a picture of 2^61 bytes", frame(LF_I420, 64, 48), HugeInput, LF_INVALID_PARAMETER}}};
 }
 
 const ContractRegistration kRegistration(VideoFilterContract);
