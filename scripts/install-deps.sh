@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Installs the Debian 12 packages the library, its tests and its examples need.
-# Does nothing when they are all present.
+# Installs the Debian 12 packages the library, its tests and its examples need,
+# and any further packages named as arguments. Does nothing when they are all
+# present.
 set -euo pipefail
 
 packages=(
@@ -10,6 +11,7 @@ packages=(
   libyuv-dev      # the benchmarks' reference (and later the upsampling filter)
   libcli11-dev    # the command-line tool's argument parsing
   libstb-dev      # the command-line tool's PNG, BMP and PPM reading and PNG writing
+  "$@"
 )
 
 missing=()
