@@ -75,7 +75,11 @@ enum ParamId : int32_t {
 // Filter types: the first argument of every ILumaforge call.
 enum FilterType : int32_t {
   LF_FILTER_ALL = 0,  // SetParam only: the manager and every existing filter
-  LF_FILTER_CSC = 1,  // colour space conversion: no configuration; converts input to output's format
+  // Colour space conversion: no configuration; converts the input into the
+  // output record's format over the smaller of the two sizes. The input is
+  // checked (missing planes, strides shorter than a row: -2); the output
+  // record is not: its planes must exist and hold its format at its size.
+  LF_FILTER_CSC = 1,
   // Downsampling of RGB24/BGR24, 32-bit RGB, RGBP, I420 and 8-bit grey (31)
   // pictures to a smaller even size. No configuration; the Init flag 1 makes
   // the filter write into the caller's output planes (copying back when they
@@ -92,6 +96,8 @@ enum FilterType : int32_t {
   // bytes, rows packed; kept, not copied). Process mixes the input into the
   // output in place: out = (in * (256 - a) + out * a) >> 8. 32-bit RGB and
   // I420/YV12 outputs, tightly packed (rows are addressed by the width).
+  // Missing planes are refused (-2); the sizes of the input and the map are
+  // not checked: both are read over the output's width x height.
   LF_FILTER_ALPHA_BLEND = 24,
   // Recursive Gaussian blur of any sigma at a cost per pixel independent of
   // sigma. Init's config is a float sigma (null keeps the current one, 5.0

@@ -18,7 +18,7 @@ FuzzTerms DownsampleFuzz() {
                                              {even(w / 3), even(h / 3)},
                                              {even(w / 4), even(h / 4)},
                                              {even(w * 2 / 3), even(h * 2 / 3)},
-                                             {even(w - 2), even(h * 3 / 4)}}) {
+                                             {even(w > 2 ? w - 2 : 0), even(h * 3 / 4)}}) {
                   choices.push_back(SameAsInput({in.format, ow, oh}));
                 }
                 choices.push_back({{in.format, w / 2, h / 2}, {0, w / 2, h / 2}});

@@ -30,7 +30,7 @@ std::vector<Size> SweepSizes() {
   return sizes;
 }
 
-// Eight fixed choice bytes per call, for the records a filter's terms make.
+// Fixed choice bytes per call, for the records a filter's terms make.
 struct Choices {
   explicit Choices(uint32_t n) {
     for (uint8_t& b : bytes) {
@@ -38,7 +38,7 @@ struct Choices {
       b = static_cast<uint8_t>(n >> 24);
     }
   }
-  std::array<uint8_t, 8> bytes;
+  std::array<uint8_t, 32> bytes;
   ByteSource source() const { return ByteSource(bytes.data(), bytes.size()); }
 };
 
