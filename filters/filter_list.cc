@@ -5,6 +5,7 @@
   FILTER(kCscDescriptor)              \
   FILTER(kDownsampleDescriptor)       \
   FILTER(kCropDescriptor)             \
+  FILTER(kUpsampleDescriptor)         \
   FILTER(kVideoFilterDescriptor)      \
   FILTER(kAlphaBlendDescriptor)       \
   FILTER(kGaussBlurDescriptor)

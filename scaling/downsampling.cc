@@ -118,7 +118,12 @@ int32_t CDownsampling::Process(VideoPicture* input, VideoPicture* output) {
 int32_t CDownsampling::InitBuffer(const VideoPicture* input, VideoPicture* output) {
   Logger* log = m_pLogger.get();
   auto fail = [log](int32_t status, const char* format, auto... args) {
-    if (log) log->Error(format, args...);
+    if (!log) return status;
+    if constexpr (sizeof...(args) == 0) {
+      log->Error("%s", format);
+    } else {
+      log->Error(format, args...);
+    }
     return status;
   };
   if (!input || !output)

@@ -88,6 +88,12 @@ enum FilterType : int32_t {
   // 0, or -1 for any picture it refuses.
   LF_FILTER_DOWNSAMPLE = 8,
   LF_FILTER_CROP = 16,
+  // Upsampling by any ratio with libyuv's plane scaler: Init's config is a
+  // uint32_t UpsampleMode (null keeps it; values other than 2 and 3 mean
+  // linear). I420 pictures of even sizes go through libyuv's I420Scale
+  // (any ratio, shrinking too); grey (31) pictures are scaled only when they
+  // get taller and are otherwise left as they were. Other formats: -8.
+  LF_FILTER_UPSAMPLE = 21,
   // Colour effects in place on I420 pictures: Init's config is a
   // VideoFilterConfig; Process changes its input picture (the output record
   // is not used). Colour effects need even sizes.
@@ -155,6 +161,13 @@ struct CropConfig {
   uint32_t left;    // first column (mode 1); must be left of the picture width in both modes
   uint32_t width;   // rectangle width (mode 1) or aspect numerator (mode 0); not 0
   uint32_t height;  // rectangle height (mode 1) or aspect denominator (mode 0); not 0
+};
+
+// Upsampling (type 21) filter modes.
+enum UpsampleMode : uint32_t {
+  LF_UPSAMPLE_LINEAR = 1,    // horizontal interpolation, nearest rows
+  LF_UPSAMPLE_BILINEAR = 2,  // rows blended too
+  LF_UPSAMPLE_BOX = 3,       // box averaging when shrinking by more than half, else bilinear
 };
 
 // Video filter (type 22) effects.

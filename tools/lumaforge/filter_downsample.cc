@@ -2,6 +2,7 @@
 #include "tools/lumaforge/errors.h"
 #include "tools/lumaforge/filter_steps.h"
 #include "tools/lumaforge/pixel_formats.h"
+#include "tools/lumaforge/resize_target.h"
 
 namespace Lumaforge::cli {
 namespace {
@@ -19,18 +20,12 @@ class DownsampleStep : public Step {
   }
 
   Frame Run(Frame frame) override {
-    // The filter takes even sizes only: an odd last column or row is dropped,
-    // as the converter does.
-    if ((frame.width() | frame.height()) & 1) {
-      VideoPicture even = frame.Picture();
-      even.width &= ~1u;
-      even.height &= ~1u;
-      frame = Frame::CopyOf(even);
-    }
+    frame = EvenFrame(std::move(frame));
     const uint32_t inWidth = frame.width(), inHeight = frame.height();
     if (inWidth < kMinSide || inHeight < kMinSide)
       throw ToolError("a " + SizeText(inWidth, inHeight) + " picture is too small to downsample (16x16 at least)");
-    const auto [width, height] = Target(inWidth, inHeight);
+    const auto [width, height] =
+        ResizeTarget(width_, height_, inWidth, inHeight, {(inWidth / 2) & ~1u, (inHeight / 2) & ~1u});
     if (width < kMinSide || height < kMinSide || width >= inWidth || height >= inHeight || ((width | height) & 1)) {
       throw ToolError("cannot downsample " + SizeText(inWidth, inHeight) + " to " + SizeText(width, height) +
                       ": the target must be even, at least 16x16 and smaller in both directions");
@@ -42,14 +37,6 @@ class DownsampleStep : public Step {
   }
 
  private:
-  std::pair<uint32_t, uint32_t> Target(uint32_t inWidth, uint32_t inHeight) const {
-    auto even = [](uint64_t value) { return static_cast<uint32_t>(value) & ~1u; };
-    if (width_ && height_) return {*width_, *height_};
-    if (width_) return {*width_, even(uint64_t{inHeight} * *width_ / inWidth)};
-    if (height_) return {even(uint64_t{inWidth} * *height_ / inHeight), *height_};
-    return {even(inWidth / 2), even(inHeight / 2)};
-  }
-
   std::optional<uint32_t> width_, height_;
 };
 
