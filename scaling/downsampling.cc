@@ -27,19 +27,6 @@ bool IsDownsampledFormat(uint32_t code) {
 // Packed pixels are scaled by the packed kernels and never cascade.
 bool IsPacked(const PlaneLayout& layout) { return layout.bytesPerPixel > 1; }
 
-WorkPicture RecordPicture(const VideoPicture& p) {
-  WorkPicture w;
-  for (int k = 0; k < 3; ++k) {
-    w.planes[k] = p.planes[k];
-    w.strides[k] = p.strides[k];
-  }
-  w.width = p.width;
-  w.height = p.height;
-  return w;
-}
-
-uint32_t RoundUp(uint32_t value, uint32_t multiple) { return (value + multiple - 1) / multiple * multiple; }
-
 }  // namespace
 
 CDownsampling::CDownsampling(uint32_t cpuFeatures) {
@@ -60,10 +47,9 @@ void CDownsampling::ReleaseBuffers() {
   m_HalfBandTempBuffer.Free();
   m_GeneralTempBuffer.Free();
   m_SampleBlock.Free();
-  m_srcBuffer.block.Free();
-  m_dstBuffer.block.Free();
+  m_srcBuffer.Free();
+  m_dstBuffer.Free();
   std::memset(m_pSamplePlanes, 0, sizeof(m_pSamplePlanes));
-  m_srcBuffer.allocated = m_dstBuffer.allocated = false;
   m_SrcPicture = WorkPicture();
   m_DstPicture = WorkPicture();
   m_bSampleBuffersAllocated = false;
@@ -108,8 +94,7 @@ int32_t CDownsampling::Process(VideoPicture* input, VideoPicture* output) {
   }
 
   if (m_bCopyBack) {
-    WorkPicture out = RecordPicture(*output);
-    CopyPicture(m_DstPicture, out);
+    CopyPicture(m_uFormat, m_DstPicture, RecordPicture(*output));
   }
   FinishFrameTiming(startUs);
   return LF_OK;
@@ -179,7 +164,7 @@ int32_t CDownsampling::InitBuffer(const VideoPicture* input, VideoPicture* outpu
         AllocateWorkPicture(m_dstBuffer, m_DstPicture, *output, "AllocateDstBuffer") != LF_OK) {
       return fail(LF_SETUP_ALLOC_FAILED, "CDownsampling::InitBuffer(), AllocateBuffer failed.");
     }
-    CopyPicture(RecordPicture(*input), m_SrcPicture);
+    CopyPicture(m_uFormat, RecordPicture(*input), m_SrcPicture);
     for (int k = 0; k < 3; ++k) {
       output->planes[k] = m_DstPicture.planes[k];
       output->strides[k] = m_DstPicture.strides[k];
@@ -193,15 +178,15 @@ int32_t CDownsampling::InitBuffer(const VideoPicture* input, VideoPicture* outpu
     return fail(LF_INVALID_PARAMETER, "CDownsampling::InitBuffer(), output data pointer is null.");
   if (!StridesHoldRows(*output, outLayout))
     return fail(LF_INVALID_PARAMETER, "CDownsampling::InitBuffer(), output stride is smaller than a row.");
-  if (IsAligned(*input)) {
+  if (IsAligned(*input, m_layout, m_uAlignment)) {
     m_SrcPicture = RecordPicture(*input);
   } else {
     if (AllocateWorkPicture(m_srcBuffer, m_SrcPicture, *input, "AllocateSrcBuffer") != LF_OK) {
       return LF_SETUP_ALLOC_FAILED;
     }
-    CopyPicture(RecordPicture(*input), m_SrcPicture);
+    CopyPicture(m_uFormat, RecordPicture(*input), m_SrcPicture);
   }
-  if (IsAligned(*output)) {
+  if (IsAligned(*output, outLayout, m_uAlignment)) {
     m_DstPicture = RecordPicture(*output);
   } else {
     if (AllocateWorkPicture(m_dstBuffer, m_DstPicture, *output, "AllocateDstBuffer") != LF_OK) {
@@ -242,78 +227,17 @@ int32_t CDownsampling::AllocateSampleBuffers(uint32_t code) {
   return LF_OK;
 }
 
-int32_t CDownsampling::AllocateWorkPicture(WorkBuffer& buffer, WorkPicture& picture, const VideoPicture& like,
+int32_t CDownsampling::AllocateWorkPicture(WorkPictureBuffer& buffer, WorkPicture& picture, const VideoPicture& like,
                                            const char* what) {
   // Both work pictures take the input's format.
-  const uint32_t code = m_uFormat;
-  const PlaneLayout layout = LayoutOf(code, FormatReading::kPlanes, like.width, like.height);
-  // Rows padded to the alignment; packed rows are the padded width times
-  // the bytes per pixel.
-  const uint32_t align = m_uAlignment;
-  uint32_t strides[3] = {};
-  uint64_t required = align;
-  for (int32_t k = 0; k < m_layout.planes; ++k) {
-    strides[k] = RoundUp(layout.plane[k].width, align) * m_layout.bytesPerPixel;
-    required += uint64_t{strides[k]} * layout.plane[k].height;
-  }
-  // Blocks are sized in 32 bits; the planes of a picture this large could
-  // each be addressed but not all held in one block.
-  if (required > UINT32_MAX) {
-    buffer.allocated = false;
+  uint64_t bytes = 0;
+  if (buffer.Cut(m_uFormat, like.width, like.height, m_uAlignment, picture, &bytes) != LF_OK)
     return LF_SETUP_ALLOC_FAILED;
-  }
-  // Kept for the same size and format; a picture of another format needs
-  // another layout (and possibly more bytes) than the kept one.
-  const bool keep =
-      buffer.allocated && buffer.width == like.width && buffer.height == like.height && buffer.format == code;
-  if (!keep) {
-    if (!buffer.block.Reserve(static_cast<uint32_t>(required))) {
-      buffer.allocated = false;
-      return LF_SETUP_ALLOC_FAILED;
-    }
-    std::memset(buffer.block.data(), 0, static_cast<size_t>(required));
-  }
-  // The picture is always cut again from the block: in caller-buffer mode it
-  // may point at a caller's planes since the last frame. The first plane
-  // starts past the next alignment boundary (always moving forward).
-  uint8_t* next =
-      reinterpret_cast<uint8_t*>((reinterpret_cast<uintptr_t>(buffer.block.data()) + align) & ~uintptr_t{align - 1});
-  picture = WorkPicture();
-  picture.width = like.width;
-  picture.height = like.height;
-  for (int32_t k = 0; k < m_layout.planes; ++k) {
-    picture.planes[k] = next;
-    picture.strides[k] = strides[k];
-    next += static_cast<size_t>(strides[k]) * layout.plane[k].height;
-  }
-  if (keep) return LF_OK;
-  if (m_pLogger) {
+  if (bytes && m_pLogger) {
     m_pLogger->Info("CDownsampling::%s(), allocate(reallocate) %s buffer, size=%d", what,
-                    std::strcmp(what, "AllocateSrcBuffer") == 0 ? "SrcPicture" : "DstPicture", static_cast<uint32_t>(required));
+                    std::strcmp(what, "AllocateSrcBuffer") == 0 ? "SrcPicture" : "DstPicture", static_cast<int>(bytes));
   }
-  buffer.allocated = true;
-  buffer.width = like.width;
-  buffer.height = like.height;
-  buffer.format = code;
   return LF_OK;
-}
-
-bool CDownsampling::IsAligned(const VideoPicture& picture) const {
-  for (int k = 0; k < m_layout.planes; ++k) {
-    if (picture.strides[k] % m_uAlignment || reinterpret_cast<uintptr_t>(picture.planes[k]) % m_uAlignment)
-      return false;
-  }
-  return true;
-}
-
-void CDownsampling::CopyPicture(const WorkPicture& from, WorkPicture& to) const {
-  const PlaneLayout layout = LayoutOf(m_uFormat, FormatReading::kPlanes, from.width, from.height);
-  for (int k = 0; k < layout.planes; ++k) {
-    for (uint32_t y = 0; y < layout.plane[k].height; ++y) {
-      std::memcpy(to.planes[k] + static_cast<size_t>(y) * to.strides[k],
-                  from.planes[k] + static_cast<size_t>(y) * from.strides[k], layout.plane[k].rowBytes);
-    }
-  }
 }
 
 namespace {

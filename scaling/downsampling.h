@@ -12,15 +12,9 @@
 #include "framework/plane_layout.h"
 #include "scaling/kernels/box_scale.h"
 #include "scaling/kernels/multitap_scale.h"
+#include "scaling/work_picture.h"
 
 namespace Lumaforge {
-
-// A picture the filter works on: its own buffers or a copy of a caller's record.
-struct WorkPicture {
-  uint8_t* planes[3] = {};
-  uint32_t strides[3] = {};
-  uint32_t width = 0, height = 0;
-};
 
 // One plane to scale: pointer, stride, size.
 struct PlaneView {
@@ -46,18 +40,12 @@ class CDownsampling : public CLumaforgeFramework {
   int32_t GetParam(ParamId id, void* value) override;
 
  private:
-  // A work block and the size and format it was last cut for.
-  struct WorkBuffer {
-    WorkBlock block;
-    bool allocated = false;
-    uint32_t width = 0, height = 0, format = 0;
-  };
-
   int32_t InitBuffer(const VideoPicture* input, VideoPicture* output);
   int32_t AllocateSampleBuffers(uint32_t code);
-  int32_t AllocateWorkPicture(WorkBuffer& buffer, WorkPicture& picture, const VideoPicture& like, const char* what);
-  bool IsAligned(const VideoPicture& picture) const;
-  void CopyPicture(const WorkPicture& from, WorkPicture& to) const;
+  // Cuts a work picture of the input's format at `like`'s size, logging a
+  // (re)allocation under `what`.
+  int32_t AllocateWorkPicture(WorkPictureBuffer& buffer, WorkPicture& picture, const VideoPicture& like,
+                              const char* what);
   void ReleaseBuffers();
 
   // Scaling one plane: the direct path or the halving cascade.
@@ -80,7 +68,7 @@ class CDownsampling : public CLumaforgeFramework {
   MultiTapScaleKernels m_multiTap;
   int8_t m_PhaseTable[64][4] = {};
   WorkPicture m_SrcPicture, m_DstPicture;
-  WorkBuffer m_srcBuffer, m_dstBuffer;
+  WorkPictureBuffer m_srcBuffer, m_dstBuffer;
   bool m_bSampleBuffersAllocated = false;
   bool m_bCopyBack = false;
   // The input's format code and layout, read on every frame.
