@@ -5,6 +5,7 @@
   FILTER(kCscDescriptor)              \
   FILTER(kDownsampleDescriptor)       \
   FILTER(kCropDescriptor)             \
+  FILTER(kSuperResolutionDescriptor)  \
   FILTER(kUpsampleDescriptor)         \
   FILTER(kVideoFilterDescriptor)      \
   FILTER(kAlphaBlendDescriptor)       \

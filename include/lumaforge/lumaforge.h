@@ -62,13 +62,16 @@ enum PixelFormat : uint32_t {
 // Parameter ids for SetParam/GetParam. One numbering for all filters; each
 // filter accepts the ids listed beside it.
 enum ParamId : int32_t {
-  LF_PARAM_LOG_CALLBACK = 43,     // SetParam, uint64_t: a LumaforgeLogCallback (0 keeps the current one)
-  LF_PARAM_LOG_LEVEL = 44,        // SetParam, int32_t: highest level written, -1 silences
-  LF_PARAM_VIDEO_EFFECT = 45,     // SetParam on the video filter, uint32_t: a VideoEffect
-  LF_PARAM_LOG_USER_VALUE = 49,   // SetParam, uint64_t: first argument of the log callback
-  LF_PARAM_TIMING_INTERVAL = 53,  // SetParam, int32_t ms between timing lines (<1 means 10000); answers -1
-  LF_PARAM_TIME_PER_FRAME = 54,   // GetParam, double: microseconds per frame since the last timing line
-  LF_PARAM_CROP_CONFIG = 58,      // SetParam on the crop filter, CropConfig
+  LF_PARAM_LOG_CALLBACK = 43,         // SetParam, uint64_t: a LumaforgeLogCallback (0 keeps the current one)
+  LF_PARAM_LOG_LEVEL = 44,            // SetParam, int32_t: highest level written, -1 silences
+  LF_PARAM_VIDEO_EFFECT = 45,         // SetParam on the video filter, uint32_t: a VideoEffect
+  LF_PARAM_LOG_USER_VALUE = 49,       // SetParam, uint64_t: first argument of the log callback
+  LF_PARAM_SR_ALTERNATIVE_15 = 50,    // SetParam on super resolution, uint8_t: 1.5x by the alternative kernel
+  LF_PARAM_SR_ENHANCED = 51,          // SetParam on super resolution, uint8_t: 2x by the trained per-class filters
+  LF_PARAM_SR_COEFFICIENT_FILE = 52,  // SetParam on super resolution, char[]: UTF-8 path of superResCoeffs.txt
+  LF_PARAM_TIMING_INTERVAL = 53,      // SetParam, int32_t ms between timing lines (<1 means 10000); answers -1
+  LF_PARAM_TIME_PER_FRAME = 54,       // GetParam, double: microseconds per frame since the last timing line
+  LF_PARAM_CROP_CONFIG = 58,          // SetParam on the crop filter, CropConfig
   LF_PARAM_BLUR_SIGMA = 59,  // SetParam/GetParam on the Gaussian blur, float sigma, held to 0.5 .. 1000 (NaN, inf: -2)
 };
 
@@ -88,6 +91,18 @@ enum FilterType : int32_t {
   // 0, or -1 for any picture it refuses.
   LF_FILTER_DOWNSAMPLE = 8,
   LF_FILTER_CROP = 16,
+  // Super resolution: I420 pictures of even sizes enlarged by exactly 2 or
+  // exactly 1.5 in both directions. No configuration; the Init flag works
+  // as the downsampler's (1: into the caller's output planes, 0: the
+  // filter's own buffer handed back in the output record). The picture's
+  // qpMap (one byte per 16x16 block, or null for QP 24 everywhere) steers
+  // the standard kernels; LF_PARAM_SR_ENHANCED selects the trained 2x
+  // filters read from the coefficient file (default path
+  // "../../../../../super_resolution/data/superResCoeffs.txt" from the
+  // working directory, or LF_PARAM_SR_COEFFICIENT_FILE). Process answers 0,
+  // -1 (refused record, unsupported ratio, unreadable coefficient file) or
+  // -4 (enhanced 1.5x).
+  LF_FILTER_SUPER_RESOLUTION = 20,
   // Upsampling by any ratio with libyuv's plane scaler: Init's config is a
   // uint32_t UpsampleMode (null keeps it; values other than 2 and 3 mean
   // linear). I420 pictures of even sizes go through libyuv's I420Scale

@@ -61,6 +61,9 @@ struct ContractTerms {
   // Per flag: what Process writes into the output record.
   std::function<uint32_t(uint8_t flag)> writesOutput = [](uint8_t) { return kNoFields; };
   std::vector<ContractFrame> frames = {};
+  // Whether the filter reads the previous frame of the same size: a frame
+  // then gives the same bytes after itself as in a fresh filter.
+  bool readsPreviousFrame = false;
   std::vector<ContractRefusal> refusals = {};
 };
 

@@ -10,15 +10,16 @@ ContractTerms VideoFilterContract() {
   const auto frame = [](uint32_t format, uint32_t width, uint32_t height) {
     return ContractFrame{format, width, height, LF_I420, 16, 16};
   };
-  return {.type = LF_FILTER_VIDEO_FILTER,
-          .config = RecordBytes(VideoFilterConfig{64, 48, LF_I420, LF_EFFECT_SEPIA}),
-          .resultInInput = true,
-          .frames = {frame(LF_I420, 64, 48), frame(LF_I420, 320, 240), frame(LF_I420, 66, 50)},
-          .refusals = {{"no input record", frame(LF_I420, 64, 48), NoInput, LF_INVALID_PARAMETER},
-                       {"a format other than I420", frame(LF_BGRA, 64, 48), AsGiven, LF_UNSUPPORTED},
-                       {"a missing chroma plane", frame(LF_I420, 64, 48), NoInputPlane<2>, LF_INVALID_PARAMETER},
-                       {"an input stride short of its row", frame(LF_I420, 64, 48), ShortInputStride, LF_INVALID_PARAMETER},
-                       {"a picture of 2^61 bytes", frame(LF_I420, 64, 48), HugeInput, LF_INVALID_PARAMETER}}};
+  return {
+      .type = LF_FILTER_VIDEO_FILTER,
+      .config = RecordBytes(VideoFilterConfig{64, 48, LF_I420, LF_EFFECT_SEPIA}),
+      .resultInInput = true,
+      .frames = {frame(LF_I420, 64, 48), frame(LF_I420, 320, 240), frame(LF_I420, 66, 50)},
+      .refusals = {{"no input record", frame(LF_I420, 64, 48), NoInput, LF_INVALID_PARAMETER},
+                   {"a format other than I420", frame(LF_BGRA, 64, 48), AsGiven, LF_UNSUPPORTED},
+                   {"a missing chroma plane", frame(LF_I420, 64, 48), NoInputPlane<2>, LF_INVALID_PARAMETER},
+                   {"an input stride short of its row", frame(LF_I420, 64, 48), ShortInputStride, LF_INVALID_PARAMETER},
+                   {"a picture of 2^61 bytes", frame(LF_I420, 64, 48), HugeInput, LF_INVALID_PARAMETER}}};
 }
 
 const ContractRegistration kRegistration(VideoFilterContract);

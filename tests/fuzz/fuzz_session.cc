@@ -184,7 +184,9 @@ int32_t FuzzSession::Init(const FuzzTerms& terms, ByteSource& choose, uint8_t fl
   // A smaller vector keeps its old block; a host's record is its own block.
   config.shrink_to_fit();
   flags_[terms.type] = flag;
-  return lf_->Init(terms.type, config.empty() ? nullptr : config.data(), flag);
+  const int32_t status = lf_->Init(terms.type, config.empty() ? nullptr : config.data(), flag);
+  if (terms.afterInit) terms.afterInit(lf_);
+  return status;
 }
 
 FrameChoice FuzzSession::ChooseFrame(const FuzzTerms& terms, const FilterDescriptor& descriptor,
@@ -217,6 +219,12 @@ int32_t FuzzSession::Process(const FuzzTerms& terms, const FrameChoice& f, ByteS
   if (terms.configPerFrame) Init(terms, choose, flags_[terms.type], f.output.stated);
   HeapPicture in(f.input, f.input, descriptor.reading, f.inPad, f.inOffset, f.seed);
   HeapPicture out(f.output.planes, f.output.stated, descriptor.reading, f.outPad, f.outOffset, f.seed ^ 0x5A);
+  std::vector<uint8_t> qpMap;
+  if (terms.readsQpMap && f.seed & 1) {
+    qpMap.assign(size_t{(f.input.width + 15) / 16} * ((f.input.height + 15) / 16), static_cast<uint8_t>(f.seed % 52));
+    qpMap.shrink_to_fit();
+    in.record.qpMap = qpMap.data();
+  }
   VideoPicture* inRecord = &in.record;
   VideoPicture* outRecord = &out.record;
   ApplySpoil(terms, f, inRecord, outRecord);

@@ -63,6 +63,12 @@ struct FuzzTerms {
   // A record-valued parameter takes the same record.
   std::function<std::vector<uint8_t>(ByteSource& choose, const RecordShape& frame)> config;
   bool configPerFrame = false;
+  // Called after every Init, for settings a host makes through SetParam
+  // that the descriptor's numeric parameters do not cover.
+  std::function<void(ILumaforge* library)> afterInit = nullptr;
+  // Whether Process reads the input's qpMap (one byte per 16x16 block); the
+  // fuzz target then gives one of exactly that size, or null.
+  bool readsQpMap = false;
   // Rows addressed by the width: strides are exactly the row bytes.
   bool rowsByWidth = false;
   // Output records the filter takes for an input of `in`'s shape.

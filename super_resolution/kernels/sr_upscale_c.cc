@@ -1,0 +1,216 @@
+#include <cstring>
+
+#include "framework/cpu_features.h"
+#include "super_resolution/kernels/sr_standard_taps.h"
+#include "super_resolution/kernels/sr_upscale.h"
+
+namespace Lumaforge {
+namespace {
+
+using sr_taps::Taps6;
+
+int32_t Clamp(int32_t v, int32_t lo, int32_t hi) { return v < lo ? lo : v > hi ? hi : v; }
+uint8_t ToByte(int32_t sum) { return static_cast<uint8_t>(Clamp((sum + 2048) >> 12, 0, 255)); }
+
+int32_t QpAt(const SrQpMap& qp, int32_t x, int32_t y) {
+  return qp.qp[static_cast<ptrdiff_t>(y >> qp.shift) * qp.stride + (x >> qp.shift)];
+}
+
+// Where output i of a 1.5x row samples the source: the sample two left of
+// which its six taps start, and its phase (0: a sixth right of a sample,
+// 1: midway, 2: a sixth left of the next one).
+struct Phase15 {
+  int32_t first, phase;
+};
+Phase15 PhaseOf15(int32_t i) {
+  const int32_t m = i / 3, q = i % 3;
+  // Output i sits at source position (2i - 0.5) / 3.
+  if (q == 0) return {2 * m - 1 - 2, 2};
+  if (q == 1) return {2 * m - 2, 1};
+  return {2 * m + 1 - 2, 0};
+}
+
+// The six 1.5x taps of a phase at a sharpness.
+Taps6 Taps15(int32_t phase, int32_t sharpness) {
+  if (phase == 1) return sr_taps::Blend(sr_taps::kSoftHalf, sr_taps::kSharpHalf, sharpness, 2);
+  const Taps6 right = sr_taps::Blend(sr_taps::kSoftSixth, sr_taps::kSharpSixth, sharpness, 2);
+  return phase == 0 ? right : sr_taps::Reversed(right);
+}
+
+// The midway phase loses most detail to interpolation and takes the full
+// sharpness; the phases a sixth from a sample lean on that sample and take
+// two thirds of it. `level` 1..3 for luma (smaller pictures, enlarged from
+// further away, get more), 4 the lighter chroma setting.
+int32_t Sharpness15(int32_t level, int32_t qp, int32_t phase) {
+  static constexpr int32_t kLevel[5] = {0, 128, 192, 256, 64};
+  const int32_t s = kLevel[Clamp(level, 0, 4)] * sr_taps::SharpnessOfQp(qp) >> 8;
+  return phase == 1 ? s : s * 2 / 3;
+}
+
+}  // namespace
+
+size_t SrScratchValues(int32_t width, int32_t height) {
+  // One 16-bit row of 2 width values per source row, and one blended source row.
+  return static_cast<size_t>(height) * 2 * width + width;
+}
+
+void SrInitTables_c(SrStandardTable* table) {
+  for (int32_t e = 0; e < kSrSharpnessEntries; ++e) {
+    for (int32_t n = 0; n < 4; ++n) {
+      const auto& s = sr_taps::kStandardTable[e][n];
+      const int8_t row[16] = {s[0], s[1], s[2], 0, s[3], s[5], s[4], 0, s[6], s[7], s[9], 0, s[8], s[10], s[11], 0};
+      std::memcpy(table->rows[e][n], row, sizeof(row));
+    }
+  }
+}
+
+void SrStandard2x_c(const uint8_t* src, int32_t srcStride, int32_t width, int32_t height, uint8_t* dst,
+                    int32_t dstStride, const SrQpMap& qp, const uint8_t* previous, int32_t previousStride,
+                    int32_t detailDivisor, const SrStandardTable& table, int16_t* scratch) {
+  const auto entry = [&](int32_t x, int32_t y) { return sr_taps::SharpnessOfQp(QpAt(qp, x, y)) / detailDivisor; };
+  int16_t* blended = scratch + static_cast<size_t>(height) * 2 * width;
+  const bool temporal = previous && previousStride != 0;
+  for (int32_t y = 0; y < height; ++y) {
+    // Codec flicker of a level or two in still areas is averaged with the
+    // last frame before sharpening could amplify it; moving areas differ
+    // more and keep the current frame.
+    const uint8_t* row = src + static_cast<ptrdiff_t>(y) * srcStride;
+    const uint8_t* before = temporal ? previous + static_cast<ptrdiff_t>(y) * previousStride : nullptr;
+    for (int32_t x = 0; x < width; ++x) {
+      const int32_t c = row[x];
+      const int32_t p = before ? before[x] : c;
+      blended[x] = static_cast<int16_t>(c - p <= 2 && p - c <= 2 ? (c + p + 1) >> 1 : c);
+    }
+    int16_t* out = scratch + static_cast<size_t>(y) * 2 * width;
+    for (int32_t x = 0; x < width; ++x) {
+      for (int32_t i = 0; i < 2; ++i) {
+        int32_t taps[kSrStandardTaps];
+        SrStandardTaps(table.rows[entry(x, y)][i], 0, taps);
+        int32_t sum = 0;
+        for (int32_t a = 0; a < kSrStandardTaps; ++a) sum += taps[a] * blended[Clamp(x + a - 3 + i, 0, width - 1)];
+        out[2 * x + i] = static_cast<int16_t>(sum);
+      }
+    }
+  }
+  for (int32_t y = 0; y < height; ++y) {
+    for (int32_t j = 0; j < 2; ++j) {
+      uint8_t* out = dst + static_cast<ptrdiff_t>(2 * y + j) * dstStride;
+      for (int32_t X = 0; X < 2 * width; ++X) {
+        int32_t taps[kSrStandardTaps];
+        SrStandardTaps(table.rows[entry(X >> 1, y)][2 * j], 1, taps);
+        int32_t sum = 0;
+        for (int32_t b = 0; b < kSrStandardTaps; ++b)
+          sum += taps[b] * scratch[static_cast<size_t>(Clamp(y + b - 3 + j, 0, height - 1)) * 2 * width + X];
+        out[X] = ToByte(sum);
+      }
+    }
+  }
+}
+
+void SrStandard15_c(const uint8_t* src, int32_t srcStride, int32_t width, int32_t height, uint8_t* dst,
+                    int32_t dstStride, const SrQpMap& qp, int32_t strength, int32_t /*chroma*/, int16_t* scratch) {
+  const int32_t outWidth = 3 * width / 2, outHeight = 3 * height / 2;
+  for (int32_t y = 0; y < height; ++y) {
+    const uint8_t* row = src + static_cast<ptrdiff_t>(y) * srcStride;
+    int16_t* out = scratch + static_cast<size_t>(y) * outWidth;
+    for (int32_t X = 0; X < outWidth; ++X) {
+      const Phase15 at = PhaseOf15(X);
+      const Taps6 taps =
+          Taps15(at.phase, Sharpness15(strength, QpAt(qp, Clamp(2 * (X / 3), 0, width - 1), y), at.phase));
+      int32_t sum = 0;
+      for (int32_t a = 0; a < kSrStandardTaps; ++a) sum += taps[a] * row[Clamp(at.first + a, 0, width - 1)];
+      out[X] = static_cast<int16_t>(sum);
+    }
+  }
+  for (int32_t Y = 0; Y < outHeight; ++Y) {
+    const Phase15 at = PhaseOf15(Y);
+    uint8_t* out = dst + static_cast<ptrdiff_t>(Y) * dstStride;
+    for (int32_t X = 0; X < outWidth; ++X) {
+      const int32_t qpHere = QpAt(qp, Clamp(2 * (X / 3), 0, width - 1), Clamp(2 * (Y / 3), 0, height - 1));
+      const Taps6 taps = Taps15(at.phase, Sharpness15(strength, qpHere, at.phase));
+      int32_t sum = 0;
+      for (int32_t b = 0; b < kSrStandardTaps; ++b)
+        sum += taps[b] * scratch[static_cast<size_t>(Clamp(at.first + b, 0, height - 1)) * outWidth + X];
+      out[X] = ToByte(sum);
+    }
+  }
+}
+
+void SrAlternative15_c(const uint8_t* src, int32_t srcStride, int32_t width, int32_t height, uint8_t* dst,
+                       int32_t dstStride, int16_t* scratch) {
+  // Four taps per phase from a sharpened cubic (Keys, a = -1), one sample
+  // either side of the pair around the output.
+  static constexpr int32_t kTaps[3][4] = {{-7, 61, 12, -2}, {-8, 40, 40, -8}, {-2, 12, 61, -7}};
+  const int32_t outWidth = 3 * width / 2, outHeight = 3 * height / 2;
+  // The six-tap start of PhaseOf15 is two samples left of the pair; four taps start one left.
+  for (int32_t y = 0; y < height; ++y) {
+    const uint8_t* row = src + static_cast<ptrdiff_t>(y) * srcStride;
+    int16_t* out = scratch + static_cast<size_t>(y) * outWidth;
+    for (int32_t X = 0; X < outWidth; ++X) {
+      const Phase15 at = PhaseOf15(X);
+      int32_t sum = 0;
+      for (int32_t a = 0; a < 4; ++a) sum += kTaps[at.phase][a] * row[Clamp(at.first + 1 + a, 0, width - 1)];
+      out[X] = static_cast<int16_t>(sum);
+    }
+  }
+  for (int32_t Y = 0; Y < outHeight; ++Y) {
+    const Phase15 at = PhaseOf15(Y);
+    uint8_t* out = dst + static_cast<ptrdiff_t>(Y) * dstStride;
+    for (int32_t X = 0; X < outWidth; ++X) {
+      int32_t sum = 0;
+      for (int32_t b = 0; b < 4; ++b)
+        sum += kTaps[at.phase][b] * scratch[static_cast<size_t>(Clamp(at.first + 1 + b, 0, height - 1)) * outWidth + X];
+      out[X] = ToByte(sum);
+    }
+  }
+}
+
+void SrTwoPass_c(const uint8_t* src, int32_t srcStride, int32_t width, int32_t height, uint8_t* dst, int32_t dstStride,
+                 int32_t gain, int32_t threshold, int32_t last, int16_t* scratch) {
+  // Bicubic (Keys, a = -0.75) a quarter sample right of a sample, over the
+  // samples one left to two right; the left phase reverses it.
+  static constexpr int32_t kRight[4] = {-7, 56, 17, -2};
+  for (int32_t y = 0; y < height; ++y) {
+    const uint8_t* row = src + static_cast<ptrdiff_t>(y) * srcStride;
+    int16_t* out = scratch + static_cast<size_t>(y) * 2 * width;
+    for (int32_t x = 0; x < width; ++x) {
+      int32_t left = 0, right = 0;
+      for (int32_t a = 0; a < 4; ++a) {
+        left += kRight[3 - a] * row[Clamp(x - 2 + a, 0, width - 1)];
+        right += kRight[a] * row[Clamp(x - 1 + a, 0, width - 1)];
+      }
+      out[2 * x] = static_cast<int16_t>(left);
+      out[2 * x + 1] = static_cast<int16_t>(right);
+    }
+  }
+  for (int32_t y = 0; y < height; ++y) {
+    for (int32_t j = 0; j < 2; ++j) {
+      uint8_t* out = dst + static_cast<ptrdiff_t>(2 * y + j) * dstStride;
+      const int32_t near = y, far = Clamp(j ? y + 1 : y - 1, 0, height - 1);
+      for (int32_t X = 0; X < 2 * width; ++X) {
+        int32_t sum = 0;
+        for (int32_t b = 0; b < 4; ++b) {
+          const int32_t tap = j ? kRight[b] : kRight[3 - b];
+          sum += tap * scratch[static_cast<size_t>(Clamp(y - 2 + j + b, 0, height - 1)) * 2 * width + X];
+        }
+        // The linear blend of the two nearest rows of the first pass, and
+        // the detail the cubic adds over it, scaled and cored.
+        const int32_t linear = 48 * scratch[static_cast<size_t>(near) * 2 * width + X] +
+                               16 * scratch[static_cast<size_t>(far) * 2 * width + X];
+        int32_t detail = sum - linear;
+        if (!last && detail < threshold * 64 && -detail < threshold * 64) detail = 0;
+        out[X] = ToByte(linear + detail * gain / 16);
+      }
+    }
+  }
+}
+
+void InitSrUpscaleKernels(SrUpscaleKernels* kernels, uint32_t /*cpuFeatures*/) {
+  kernels->alternative15 = SrAlternative15_c;
+  kernels->standard15 = SrStandard15_c;
+  kernels->standard2x = SrStandard2x_c;
+  kernels->twoPass = SrTwoPass_c;
+  kernels->initTables = SrInitTables_c;
+}
+
+}  // namespace Lumaforge

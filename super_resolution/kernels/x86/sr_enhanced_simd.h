@@ -1,0 +1,142 @@
+// Vector form of the enhanced 2x kernel, written once over a double-lane
+// trait: the 3x3 ranges of 16 pixels at a time with byte min/max (the
+// flatness test), and each trained pixel's four positions as four double
+// lanes, summed k = 0..8 in the plain routine's order so every lane lands on
+// the plain routine's bits. Classification stays scalar per pixel.
+#ifndef LUMAFORGE_SUPER_RESOLUTION_KERNELS_X86_SR_ENHANCED_SIMD_H_
+#define LUMAFORGE_SUPER_RESOLUTION_KERNELS_X86_SR_ENHANCED_SIMD_H_
+
+#include <immintrin.h>
+
+#include "super_resolution/kernels/sr_enhanced.h"
+#include "super_resolution/kernels/sr_enhanced_rows.h"
+
+namespace Lumaforge::x86 {
+namespace {
+
+using namespace sr_enhanced;
+
+// Four doubles: two SSE2 registers.
+struct Doubles128 {
+  __m128d lo, hi;
+  static Doubles128 Zero() { return {_mm_setzero_pd(), _mm_setzero_pd()}; }
+  static Doubles128 Load(const double* p) { return {_mm_loadu_pd(p), _mm_loadu_pd(p + 2)}; }
+  static Doubles128 MulAdd(Doubles128 acc, double p, Doubles128 w) {
+    const __m128d s = _mm_set1_pd(p);
+    return {_mm_add_pd(acc.lo, _mm_mul_pd(s, w.lo)), _mm_add_pd(acc.hi, _mm_mul_pd(s, w.hi))};
+  }
+  // Held to 0..255 (NaN to 0) and truncated, as SrClampToByte.
+  static void ToBytes(Doubles128 v, int32_t out[4]) {
+    const __m128d zero = _mm_setzero_pd(), top = _mm_set1_pd(255.0);
+    const __m128i lo = _mm_cvttpd_epi32(_mm_min_pd(_mm_max_pd(v.lo, zero), top));
+    const __m128i hi = _mm_cvttpd_epi32(_mm_min_pd(_mm_max_pd(v.hi, zero), top));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm_unpacklo_epi64(lo, hi));
+  }
+};
+
+#if defined(__AVX2__)
+struct Doubles256 {
+  __m256d v;
+  static Doubles256 Zero() { return {_mm256_setzero_pd()}; }
+  static Doubles256 Load(const double* p) { return {_mm256_loadu_pd(p)}; }
+  static Doubles256 MulAdd(Doubles256 acc, double p, Doubles256 w) {
+    return {_mm256_add_pd(acc.v, _mm256_mul_pd(_mm256_set1_pd(p), w.v))};
+  }
+  static void ToBytes(Doubles256 v, int32_t out[4]) {
+    const __m256d held = _mm256_min_pd(_mm256_max_pd(v.v, _mm256_setzero_pd()), _mm256_set1_pd(255.0));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm256_cvttpd_epi32(held));
+  }
+};
+#endif
+
+// 3x3 ranges (max - min) of pixels x .. x + 15 of `rows`, which must have
+// columns x - 1 .. x + 16.
+inline void Ranges16(const RowTriple& rows, int32_t x, uint8_t* ranges) {
+  __m128i lo = _mm_set1_epi8(-1), hi = _mm_setzero_si128();
+  for (const uint8_t* row : {rows.above, rows.row, rows.below}) {
+    for (int32_t dx = -1; dx <= 1; ++dx) {
+      const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(row + x + dx));
+      lo = _mm_min_epu8(lo, v);
+      hi = _mm_max_epu8(hi, v);
+    }
+  }
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(ranges), _mm_sub_epi8(hi, lo));
+}
+
+template <typename D>
+void TrainedPixel(const uint8_t p[kSrTaps], const double* byTap, uint8_t* out0, uint8_t* out1, int32_t x) {
+  D acc = D::Zero();
+  for (int32_t k = 0; k < kSrTaps; ++k) acc = D::MulAdd(acc, p[k], D::Load(byTap + k * kSrPositions));
+  alignas(16) int32_t block[4];
+  D::ToBytes(acc, block);
+  out0[2 * x] = static_cast<uint8_t>(block[0]);
+  out0[2 * x + 1] = static_cast<uint8_t>(block[1]);
+  out1[2 * x] = static_cast<uint8_t>(block[2]);
+  out1[2 * x + 1] = static_cast<uint8_t>(block[3]);
+}
+
+// Columns per pass: the ranges of one pass live on the stack.
+constexpr int32_t kChunk = 256;
+
+template <typename D>
+void SrEnhancedPlane(const uint8_t* src, int32_t srcStride, int32_t width, int32_t height, uint8_t* dst,
+                     int32_t dstStride, const SrTrainedFilters& filters) {
+  alignas(16) uint8_t ranges[2][kChunk + 32];
+  for (int32_t y = 0; y < height; y += 2) {
+    const int32_t y1 = y + 1 < height ? y + 1 : y;
+    const int32_t rowCount = y1 != y ? 2 : 1;
+    const RowTriple rows[2] = {RowsAround(src, srcStride, height, y), RowsAround(src, srcStride, height, y1)};
+    uint8_t* out[2][2];
+    out[0][0] = dst + static_cast<ptrdiff_t>(2 * y) * dstStride;
+    out[0][1] = out[0][0] + dstStride;
+    out[1][0] = out[0][0] + 2 * static_cast<ptrdiff_t>(dstStride);
+    out[1][1] = out[1][0] + dstStride;
+    for (int32_t c0 = 0; c0 < width; c0 += kChunk) {
+      // One column past the chunk: the last block's right pixel may need it.
+      const int32_t count = width - c0 < kChunk + 1 ? width - c0 : kChunk + 1;
+      for (int32_t r = 0; r < 2; ++r) {
+        const RowTriple shifted = {rows[r].above + c0, rows[r].row + c0, rows[r].below + c0};
+        // Ranges of a chunk that does not start at column 0 or end at the
+        // last column still need their outer neighbours: compute from the
+        // full rows there.
+        for (int32_t i = 0; i < count; ++i) {
+          const int32_t x = c0 + i;
+          if (x == 0 || x + 17 > width || (i & 15) != 0 || i + 16 > count) {
+            ranges[r][i] = static_cast<uint8_t>(RangeAt(rows[r], x, width));
+          } else {
+            Ranges16(shifted, i, ranges[r] + i);
+            i += 15;
+          }
+        }
+      }
+      const int32_t end = c0 + kChunk < width ? c0 + kChunk : width;
+      for (int32_t x = c0; x < end; x += 2) {
+        const int32_t i = x - c0, i1 = x + 1 < width ? i + 1 : i;
+        const bool flat = ranges[0][i] < kSrFlatRange && ranges[0][i1] < kSrFlatRange && ranges[1][i] < kSrFlatRange &&
+                          ranges[1][i1] < kSrFlatRange;
+        for (int32_t r = 0; r < rowCount; ++r) {
+          for (int32_t px = x; px < x + 2 && px < width; ++px) {
+            if (flat || px == 0 || px == width - 1) {
+              PlainPixel(rows[r], px, width, out[r][0], out[r][1]);
+              continue;
+            }
+            uint8_t p[kSrTaps];
+            Neighbourhood(rows[r], px, p);
+            const int32_t cls = SrClass(p);
+            if (!filters.valid[cls]) {
+              PlainPixel(rows[r], px, width, out[r][0], out[r][1]);
+              continue;
+            }
+            TrainedPixel<D>(p, filters.byTap + static_cast<size_t>(cls) * kSrTaps * kSrPositions, out[r][0], out[r][1],
+                            px);
+          }
+        }
+      }
+    }
+  }
+}
+
+}  // namespace
+}  // namespace Lumaforge::x86
+
+#endif  // LUMAFORGE_SUPER_RESOLUTION_KERNELS_X86_SR_ENHANCED_SIMD_H_

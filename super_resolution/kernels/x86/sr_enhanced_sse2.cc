@@ -1,0 +1,7 @@
+#include "super_resolution/kernels/x86/sr_enhanced_simd.h"
+
+namespace Lumaforge::sse2 {
+
+void Install(SrEnhancedKernels* kernels) { kernels->plane = x86::SrEnhancedPlane<x86::Doubles128>; }
+
+}  // namespace Lumaforge::sse2
