@@ -13,6 +13,7 @@ std::unique_ptr<Step> MakeCscStep(const ParamSet& params, bool verbose);
 std::unique_ptr<Step> MakeCropStep(const ParamSet& params, bool verbose);
 std::unique_ptr<Step> MakeDownsampleStep(const ParamSet& params, bool verbose);
 std::unique_ptr<Step> MakeUpsampleStep(const ParamSet& params, bool verbose);
+std::unique_ptr<Step> MakeSrStep(const ParamSet& params, bool verbose);
 std::unique_ptr<Step> MakeBlendStep(const ParamSet& params, bool verbose);
 std::unique_ptr<Step> MakeBlurStep(const ParamSet& params, bool verbose);
 std::unique_ptr<Step> MakeEffectStep(const ParamSet& params, bool verbose);
