@@ -16,6 +16,7 @@
 #include "tools/lumaforge/file.h"
 #include "tools/lumaforge/patterns.h"
 #include "tools/lumaforge/progress.h"
+#include "tools/lumaforge/sr_sheet.h"
 
 namespace Lumaforge::cli {
 namespace {
@@ -77,12 +78,16 @@ void RunDemo(const DemoOptions& options) {
     }
   }
 
+  std::vector<Frame> sampled;
+  for (const uint32_t i : samples) sampled.push_back(clip[i]);
+  WriteSrSheet(sampled, (directory / "sr-detail.png").string(), options.verbose);
+
   const std::string table = TimingTable(timings, frames);
   File file((directory / "timings.txt").string(), File::kWrite);
   file.Write({reinterpret_cast<const uint8_t*>(table.data()), table.size()});
   file.Close();
   const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-  std::printf("%s\n%zu contact sheets and timings.txt in %s (%.1f s)\n", table.c_str(), timings.size(),
+  std::printf("%s\n%zu contact sheets and timings.txt in %s (%.1f s)\n", table.c_str(), timings.size() + 1,
               options.directory.c_str(), seconds);
 }
 
