@@ -40,7 +40,7 @@ fi
 
 if [ "$merge" = --merge ]; then
   merged=$(mktemp -d)
-  "$fuzzer" -merge=1 -max_len=256 "$merged" "$kept" "$grown" 2>&1 | grep -E 'MERGE-OUTER: [0-9]+ new files' || true
+  "$fuzzer" -set_cover_merge=1 -max_len=256 "$merged" "$kept" "$grown" 2>&1 | grep -E 'MERGE-OUTER: [0-9]+ new files' || true
   rm -rf "$kept" && mv "$merged" "$kept"
   echo "corpus: $(ls "$kept" | wc -l) inputs in $kept"
 fi
