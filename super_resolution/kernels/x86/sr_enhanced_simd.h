@@ -34,20 +34,6 @@ struct Doubles128 {
   }
 };
 
-#if defined(__AVX2__)
-struct Doubles256 {
-  __m256d v;
-  static Doubles256 Zero() { return {_mm256_setzero_pd()}; }
-  static Doubles256 Load(const double* p) { return {_mm256_loadu_pd(p)}; }
-  static Doubles256 MulAdd(Doubles256 acc, double p, Doubles256 w) {
-    return {_mm256_add_pd(acc.v, _mm256_mul_pd(_mm256_set1_pd(p), w.v))};
-  }
-  static void ToBytes(Doubles256 v, int32_t out[4]) {
-    const __m256d held = _mm256_min_pd(_mm256_max_pd(v.v, _mm256_setzero_pd()), _mm256_set1_pd(255.0));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm256_cvttpd_epi32(held));
-  }
-};
-#endif
 
 // 3x3 ranges (max - min) of pixels x .. x + 15 of `rows`, which must have
 // columns x - 1 .. x + 16.
