@@ -82,6 +82,8 @@ SrStandard2xKernel SrStandard2x_c;
 SrTwoPassKernel SrTwoPass_c;
 SrTableInitKernel SrInitTables_c;
 
+LUMAFORGE_KERNEL_LEVEL(ssse3, SrUpscaleKernels)
+
 // 16-bit scratch values a kernel needs for a width x height plane.
 size_t SrScratchValues(int32_t width, int32_t height);
 

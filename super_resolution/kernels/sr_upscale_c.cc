@@ -3,18 +3,16 @@
 #include "framework/cpu_features.h"
 #include "super_resolution/kernels/sr_standard_taps.h"
 #include "super_resolution/kernels/sr_upscale.h"
+#include "super_resolution/kernels/sr_upscale_rows.h"
 
 namespace Lumaforge {
 namespace {
 
 using sr_taps::Taps6;
 
-int32_t Clamp(int32_t v, int32_t lo, int32_t hi) { return v < lo ? lo : v > hi ? hi : v; }
-uint8_t ToByte(int32_t sum) { return static_cast<uint8_t>(Clamp((sum + 2048) >> 12, 0, 255)); }
-
-int32_t QpAt(const SrQpMap& qp, int32_t x, int32_t y) {
-  return qp.qp[static_cast<ptrdiff_t>(y >> qp.shift) * qp.stride + (x >> qp.shift)];
-}
+using sr_rows::Clamp;
+using sr_rows::QpAt;
+using sr_rows::ToByte;
 
 // Where output i of a 1.5x row samples the source: the sample two left of
 // which its six taps start, and its phase (0: a sixth right of a sample,
@@ -50,7 +48,8 @@ int32_t Sharpness15(int32_t level, int32_t qp, int32_t phase) {
 }  // namespace
 
 size_t SrScratchValues(int32_t width, int32_t height) {
-  // One 16-bit row of 2 width values per source row, and one blended source row.
+  // One 16-bit row of 2 width values per source row, and one blended source
+  // row of bytes.
   return static_cast<size_t>(height) * 2 * width + width;
 }
 
@@ -67,42 +66,27 @@ void SrInitTables_c(SrStandardTable* table) {
 void SrStandard2x_c(const uint8_t* src, int32_t srcStride, int32_t width, int32_t height, uint8_t* dst,
                     int32_t dstStride, const SrQpMap& qp, const uint8_t* previous, int32_t previousStride,
                     int32_t detailDivisor, const SrStandardTable& table, int16_t* scratch) {
-  const auto entry = [&](int32_t x, int32_t y) { return sr_taps::SharpnessOfQp(QpAt(qp, x, y)) / detailDivisor; };
-  int16_t* blended = scratch + static_cast<size_t>(height) * 2 * width;
+  using namespace sr_rows;
+  auto* blended = reinterpret_cast<uint8_t*>(scratch + static_cast<size_t>(height) * 2 * width);
   const bool temporal = previous && previousStride != 0;
   for (int32_t y = 0; y < height; ++y) {
-    // Codec flicker of a level or two in still areas is averaged with the
-    // last frame before sharpening could amplify it; moving areas differ
-    // more and keep the current frame.
     const uint8_t* row = src + static_cast<ptrdiff_t>(y) * srcStride;
-    const uint8_t* before = temporal ? previous + static_cast<ptrdiff_t>(y) * previousStride : nullptr;
-    for (int32_t x = 0; x < width; ++x) {
-      const int32_t c = row[x];
-      const int32_t p = before ? before[x] : c;
-      blended[x] = static_cast<int16_t>(c - p <= 2 && p - c <= 2 ? (c + p + 1) >> 1 : c);
-    }
+    const uint8_t* before = temporal ? previous + static_cast<ptrdiff_t>(y) * previousStride : row;
+    for (int32_t x = 0; x < width; ++x) blended[x] = Blended(row[x], before[x]);
     int16_t* out = scratch + static_cast<size_t>(y) * 2 * width;
     for (int32_t x = 0; x < width; ++x) {
-      for (int32_t i = 0; i < 2; ++i) {
-        int32_t taps[kSrStandardTaps];
-        SrStandardTaps(table.rows[entry(x, y)][i], 0, taps);
-        int32_t sum = 0;
-        for (int32_t a = 0; a < kSrStandardTaps; ++a) sum += taps[a] * blended[Clamp(x + a - 3 + i, 0, width - 1)];
-        out[2 * x + i] = static_cast<int16_t>(sum);
-      }
+      const int32_t e = EntryAt(qp, x, y, detailDivisor);
+      for (int32_t i = 0; i < 2; ++i) out[2 * x + i] = HorizontalOutput(blended, width, x, i, table.rows[e][i]);
     }
   }
   for (int32_t y = 0; y < height; ++y) {
     for (int32_t j = 0; j < 2; ++j) {
+      const int16_t* rows[kSrStandardTaps];
+      for (int32_t b = 0; b < kSrStandardTaps; ++b)
+        rows[b] = scratch + static_cast<size_t>(Clamp(y + b - 3 + j, 0, height - 1)) * 2 * width;
       uint8_t* out = dst + static_cast<ptrdiff_t>(2 * y + j) * dstStride;
-      for (int32_t X = 0; X < 2 * width; ++X) {
-        int32_t taps[kSrStandardTaps];
-        SrStandardTaps(table.rows[entry(X >> 1, y)][2 * j], 1, taps);
-        int32_t sum = 0;
-        for (int32_t b = 0; b < kSrStandardTaps; ++b)
-          sum += taps[b] * scratch[static_cast<size_t>(Clamp(y + b - 3 + j, 0, height - 1)) * 2 * width + X];
-        out[X] = ToByte(sum);
-      }
+      for (int32_t X = 0; X < 2 * width; ++X)
+        out[X] = VerticalOutput(rows, X, table.rows[EntryAt(qp, X >> 1, y, detailDivisor)][2 * j]);
     }
   }
 }
@@ -205,12 +189,13 @@ void SrTwoPass_c(const uint8_t* src, int32_t srcStride, int32_t width, int32_t h
   }
 }
 
-void InitSrUpscaleKernels(SrUpscaleKernels* kernels, uint32_t /*cpuFeatures*/) {
+void InitSrUpscaleKernels(SrUpscaleKernels* kernels, uint32_t cpuFeatures) {
   kernels->alternative15 = SrAlternative15_c;
   kernels->standard15 = SrStandard15_c;
   kernels->standard2x = SrStandard2x_c;
   kernels->twoPass = SrTwoPass_c;
   kernels->initTables = SrInitTables_c;
+  ClimbLadder(kernels, cpuFeatures, {{kCpuSSSE3, ssse3::Install}});
 }
 
 }  // namespace Lumaforge

@@ -34,7 +34,6 @@ struct Doubles128 {
   }
 };
 
-
 // 3x3 ranges (max - min) of pixels x .. x + 15 of `rows`, which must have
 // columns x - 1 .. x + 16.
 inline void Ranges16(const RowTriple& rows, int32_t x, uint8_t* ranges) {

@@ -1,0 +1,116 @@
+// Vector form of the standard 2x upscaler. The horizontal pass makes eight
+// source columns' sixteen outputs at a time: each phase is three byte-pair
+// multiply-adds of the blended row with its taps (partial sums stay within
+// 16 bits: the taps' magnitudes add up to at most 102). The vertical pass
+// makes eight outputs at a time from six rows of the first pass with 32-bit
+// multiply-adds of row pairs. Runs of eight never cross a quantiser block
+// (16 or 8 source columns), so one table row serves each run; columns whose
+// taps reach past the plane take the shared per-output code.
+#ifndef LUMAFORGE_SUPER_RESOLUTION_KERNELS_X86_SR_UPSCALE_SIMD_H_
+#define LUMAFORGE_SUPER_RESOLUTION_KERNELS_X86_SR_UPSCALE_SIMD_H_
+
+#include <immintrin.h>
+
+#include "super_resolution/kernels/sr_upscale.h"
+#include "super_resolution/kernels/sr_upscale_rows.h"
+
+namespace Lumaforge::x86 {
+namespace {
+
+using namespace sr_rows;
+
+// Taps a, a + 1 as one signed byte pair per 16-bit lane.
+inline __m128i BytePair(const int32_t taps[kSrStandardTaps], int32_t a) {
+  return _mm_set1_epi16(static_cast<int16_t>((taps[a] & 0xFF) | (taps[a + 1] << 8)));
+}
+inline __m128i WordPair(const int32_t taps[kSrStandardTaps], int32_t b) {
+  return _mm_set1_epi32((taps[b] & 0xFFFF) | (taps[b + 1] * 65536));
+}
+
+// One phase of eight outputs: sum over a of taps[a] * row[x + a + first].
+inline __m128i Phase8(const uint8_t* row, int32_t x, int32_t first, const int32_t taps[kSrStandardTaps]) {
+  __m128i sum = _mm_setzero_si128();
+  for (int32_t a = 0; a < kSrStandardTaps; a += 2) {
+    const __m128i s0 = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(row + x + first + a));
+    const __m128i s1 = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(row + x + first + a + 1));
+    sum = _mm_add_epi16(sum, _mm_maddubs_epi16(_mm_unpacklo_epi8(s0, s1), BytePair(taps, a)));
+  }
+  return sum;
+}
+
+inline void BlendRow(const uint8_t* row, const uint8_t* before, int32_t width, uint8_t* blended) {
+  int32_t x = 0;
+  const __m128i two = _mm_set1_epi8(2);
+  for (; x + 16 <= width; x += 16) {
+    const __m128i c = _mm_loadu_si128(reinterpret_cast<const __m128i*>(row + x));
+    const __m128i p = _mm_loadu_si128(reinterpret_cast<const __m128i*>(before + x));
+    const __m128i distance = _mm_or_si128(_mm_subs_epu8(c, p), _mm_subs_epu8(p, c));
+    const __m128i near = _mm_cmpeq_epi8(_mm_subs_epu8(distance, two), _mm_setzero_si128());
+    const __m128i result = _mm_or_si128(_mm_and_si128(near, _mm_avg_epu8(c, p)), _mm_andnot_si128(near, c));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(blended + x), result);
+  }
+  for (; x < width; ++x) blended[x] = Blended(row[x], before[x]);
+}
+
+void SrStandard2x(const uint8_t* src, int32_t srcStride, int32_t width, int32_t height, uint8_t* dst, int32_t dstStride,
+                  const SrQpMap& qp, const uint8_t* previous, int32_t previousStride, int32_t detailDivisor,
+                  const SrStandardTable& table, int16_t* scratch) {
+  auto* blended = reinterpret_cast<uint8_t*>(scratch + static_cast<size_t>(height) * 2 * width);
+  const bool temporal = previous && previousStride != 0;
+  for (int32_t y = 0; y < height; ++y) {
+    const uint8_t* row = src + static_cast<ptrdiff_t>(y) * srcStride;
+    BlendRow(row, temporal ? previous + static_cast<ptrdiff_t>(y) * previousStride : row, width, blended);
+    int16_t* out = scratch + static_cast<size_t>(y) * 2 * width;
+    int32_t x = 0;
+    auto scalar = [&](int32_t end) {
+      for (; x < end; ++x) {
+        const int32_t e = EntryAt(qp, x, y, detailDivisor);
+        for (int32_t i = 0; i < 2; ++i) out[2 * x + i] = HorizontalOutput(blended, width, x, i, table.rows[e][i]);
+      }
+    };
+    // Vector runs start at column 8 (their taps reach three left) and end
+    // where the taps would reach past the last column.
+    scalar(width < 8 ? width : 8);
+    for (; x + 8 + 3 <= width; x += 8) {
+      const int32_t e = EntryAt(qp, x, y, detailDivisor);
+      int32_t left[kSrStandardTaps], right[kSrStandardTaps];
+      SrStandardTaps(table.rows[e][0], 0, left);
+      SrStandardTaps(table.rows[e][1], 0, right);
+      const __m128i l = Phase8(blended, x, -3, left), r = Phase8(blended, x, -2, right);
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(out + 2 * x), _mm_unpacklo_epi16(l, r));
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(out + 2 * x + 8), _mm_unpackhi_epi16(l, r));
+    }
+    scalar(width);
+  }
+  const __m128i round = _mm_set1_epi32(2048);
+  for (int32_t y = 0; y < height; ++y) {
+    for (int32_t j = 0; j < 2; ++j) {
+      const int16_t* rows[kSrStandardTaps];
+      for (int32_t b = 0; b < kSrStandardTaps; ++b)
+        rows[b] = scratch + static_cast<size_t>(Clamp(y + b - 3 + j, 0, height - 1)) * 2 * width;
+      uint8_t* out = dst + static_cast<ptrdiff_t>(2 * y + j) * dstStride;
+      int32_t X = 0;
+      for (; X + 8 <= 2 * width; X += 8) {
+        int32_t taps[kSrStandardTaps];
+        SrStandardTaps(table.rows[EntryAt(qp, X >> 1, y, detailDivisor)][2 * j], 1, taps);
+        __m128i lo = round, hi = round;
+        for (int32_t b = 0; b < kSrStandardTaps; b += 2) {
+          const __m128i r0 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(rows[b] + X));
+          const __m128i r1 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(rows[b + 1] + X));
+          const __m128i pair = WordPair(taps, b);
+          lo = _mm_add_epi32(lo, _mm_madd_epi16(_mm_unpacklo_epi16(r0, r1), pair));
+          hi = _mm_add_epi32(hi, _mm_madd_epi16(_mm_unpackhi_epi16(r0, r1), pair));
+        }
+        const __m128i words = _mm_packs_epi32(_mm_srai_epi32(lo, 12), _mm_srai_epi32(hi, 12));
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(out + X), _mm_packus_epi16(words, words));
+      }
+      for (; X < 2 * width; ++X)
+        out[X] = VerticalOutput(rows, X, table.rows[EntryAt(qp, X >> 1, y, detailDivisor)][2 * j]);
+    }
+  }
+}
+
+}  // namespace
+}  // namespace Lumaforge::x86
+
+#endif  // LUMAFORGE_SUPER_RESOLUTION_KERNELS_X86_SR_UPSCALE_SIMD_H_
