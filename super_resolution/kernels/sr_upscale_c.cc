@@ -195,7 +195,7 @@ void InitSrUpscaleKernels(SrUpscaleKernels* kernels, uint32_t cpuFeatures) {
   kernels->standard2x = SrStandard2x_c;
   kernels->twoPass = SrTwoPass_c;
   kernels->initTables = SrInitTables_c;
-  ClimbLadder(kernels, cpuFeatures, {{kCpuSSSE3, ssse3::Install}});
+  ClimbLadder(kernels, cpuFeatures, {{kCpuSSSE3, ssse3::Install}, {kCpuAVX2, avx2::Install}});
 }
 
 }  // namespace Lumaforge

@@ -52,6 +52,59 @@ inline void BlendRow(const uint8_t* row, const uint8_t* before, int32_t width, u
   for (; x < width; ++x) blended[x] = Blended(row[x], before[x]);
 }
 
+// Eight outputs of one vertical run: sum over b of taps[b] * rows[b][X..X+7].
+inline __m128i Vertical8(const int16_t* const rows[kSrStandardTaps], int32_t X, const int32_t taps[kSrStandardTaps]) {
+  __m128i lo = _mm_set1_epi32(2048), hi = lo;
+  for (int32_t b = 0; b < kSrStandardTaps; b += 2) {
+    const __m128i r0 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(rows[b] + X));
+    const __m128i r1 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(rows[b + 1] + X));
+    const __m128i pair = WordPair(taps, b);
+    lo = _mm_add_epi32(lo, _mm_madd_epi16(_mm_unpacklo_epi16(r0, r1), pair));
+    hi = _mm_add_epi32(hi, _mm_madd_epi16(_mm_unpackhi_epi16(r0, r1), pair));
+  }
+  const __m128i words = _mm_packs_epi32(_mm_srai_epi32(lo, 12), _mm_srai_epi32(hi, 12));
+  return _mm_packus_epi16(words, words);
+}
+
+#if defined(__AVX2__)
+// Sixteen source columns as two lanes of eight, each lane with the taps of
+// its own quantiser block: one phase of sixteen outputs.
+inline __m256i Phase16(const uint8_t* row, int32_t x, int32_t first, const int32_t tapsA[kSrStandardTaps],
+                       const int32_t tapsB[kSrStandardTaps]) {
+  auto halves = [&](int32_t at) {
+    const __m128i a = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(row + at));
+    const __m128i b = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(row + at + 8));
+    return _mm256_inserti128_si256(_mm256_castsi128_si256(a), b, 1);
+  };
+  __m256i sum = _mm256_setzero_si256();
+  for (int32_t a = 0; a < kSrStandardTaps; a += 2) {
+    const __m256i s0 = halves(x + first + a), s1 = halves(x + first + a + 1);
+    const __m256i pair = _mm256_inserti128_si256(_mm256_castsi128_si256(BytePair(tapsA, a)), BytePair(tapsB, a), 1);
+    sum = _mm256_add_epi16(sum, _mm256_maddubs_epi16(_mm256_unpacklo_epi8(s0, s1), pair));
+  }
+  return sum;
+}
+
+// Sixteen outputs of one vertical run (one quantiser block).
+inline __m128i Vertical16(const int16_t* const rows[kSrStandardTaps], int32_t X, const int32_t taps[kSrStandardTaps]) {
+  __m256i lo = _mm256_set1_epi32(2048), hi = lo;
+  for (int32_t b = 0; b < kSrStandardTaps; b += 2) {
+    const __m256i r0 = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(rows[b] + X));
+    const __m256i r1 = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(rows[b + 1] + X));
+    const __m256i pair = _mm256_broadcastsi128_si256(WordPair(taps, b));
+    lo = _mm256_add_epi32(lo, _mm256_madd_epi16(_mm256_unpacklo_epi16(r0, r1), pair));
+    hi = _mm256_add_epi32(hi, _mm256_madd_epi16(_mm256_unpackhi_epi16(r0, r1), pair));
+  }
+  // Within each lane the packs keep column order; the two lanes' low halves
+  // hold columns X..X+7 and X+8..X+15.
+  const __m256i words = _mm256_packs_epi32(_mm256_srai_epi32(lo, 12), _mm256_srai_epi32(hi, 12));
+  const __m256i bytes = _mm256_packus_epi16(words, words);
+  return _mm256_castsi256_si128(_mm256_permute4x64_epi64(bytes, 0x08));
+}
+#endif
+
+// kWide: 16-column runs (AVX2) before the 8-column ones.
+template <bool kWide>
 void SrStandard2x(const uint8_t* src, int32_t srcStride, int32_t width, int32_t height, uint8_t* dst, int32_t dstStride,
                   const SrQpMap& qp, const uint8_t* previous, int32_t previousStride, int32_t detailDivisor,
                   const SrStandardTable& table, int16_t* scratch) {
@@ -71,6 +124,21 @@ void SrStandard2x(const uint8_t* src, int32_t srcStride, int32_t width, int32_t 
     // Vector runs start at column 8 (their taps reach three left) and end
     // where the taps would reach past the last column.
     scalar(width < 8 ? width : 8);
+#if defined(__AVX2__)
+    for (; kWide && x + 16 + 3 <= width; x += 16) {
+      int32_t left[2][kSrStandardTaps], right[2][kSrStandardTaps];
+      for (int32_t h = 0; h < 2; ++h) {
+        const int32_t e = EntryAt(qp, x + 8 * h, y, detailDivisor);
+        SrStandardTaps(table.rows[e][0], 0, left[h]);
+        SrStandardTaps(table.rows[e][1], 0, right[h]);
+      }
+      const __m256i l = Phase16(blended, x, -3, left[0], left[1]);
+      const __m256i r = Phase16(blended, x, -2, right[0], right[1]);
+      const __m256i lo = _mm256_unpacklo_epi16(l, r), hi = _mm256_unpackhi_epi16(l, r);
+      _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + 2 * x), _mm256_permute2x128_si256(lo, hi, 0x20));
+      _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + 2 * x + 16), _mm256_permute2x128_si256(lo, hi, 0x31));
+    }
+#endif
     for (; x + 8 + 3 <= width; x += 8) {
       const int32_t e = EntryAt(qp, x, y, detailDivisor);
       int32_t left[kSrStandardTaps], right[kSrStandardTaps];
@@ -82,7 +150,6 @@ void SrStandard2x(const uint8_t* src, int32_t srcStride, int32_t width, int32_t 
     }
     scalar(width);
   }
-  const __m128i round = _mm_set1_epi32(2048);
   for (int32_t y = 0; y < height; ++y) {
     for (int32_t j = 0; j < 2; ++j) {
       const int16_t* rows[kSrStandardTaps];
@@ -90,19 +157,16 @@ void SrStandard2x(const uint8_t* src, int32_t srcStride, int32_t width, int32_t 
         rows[b] = scratch + static_cast<size_t>(Clamp(y + b - 3 + j, 0, height - 1)) * 2 * width;
       uint8_t* out = dst + static_cast<ptrdiff_t>(2 * y + j) * dstStride;
       int32_t X = 0;
-      for (; X + 8 <= 2 * width; X += 8) {
-        int32_t taps[kSrStandardTaps];
+      int32_t taps[kSrStandardTaps];
+#if defined(__AVX2__)
+      for (; kWide && X + 16 <= 2 * width; X += 16) {
         SrStandardTaps(table.rows[EntryAt(qp, X >> 1, y, detailDivisor)][2 * j], 1, taps);
-        __m128i lo = round, hi = round;
-        for (int32_t b = 0; b < kSrStandardTaps; b += 2) {
-          const __m128i r0 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(rows[b] + X));
-          const __m128i r1 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(rows[b + 1] + X));
-          const __m128i pair = WordPair(taps, b);
-          lo = _mm_add_epi32(lo, _mm_madd_epi16(_mm_unpacklo_epi16(r0, r1), pair));
-          hi = _mm_add_epi32(hi, _mm_madd_epi16(_mm_unpackhi_epi16(r0, r1), pair));
-        }
-        const __m128i words = _mm_packs_epi32(_mm_srai_epi32(lo, 12), _mm_srai_epi32(hi, 12));
-        _mm_storel_epi64(reinterpret_cast<__m128i*>(out + X), _mm_packus_epi16(words, words));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + X), Vertical16(rows, X, taps));
+      }
+#endif
+      for (; X + 8 <= 2 * width; X += 8) {
+        SrStandardTaps(table.rows[EntryAt(qp, X >> 1, y, detailDivisor)][2 * j], 1, taps);
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(out + X), Vertical8(rows, X, taps));
       }
       for (; X < 2 * width; ++X)
         out[X] = VerticalOutput(rows, X, table.rows[EntryAt(qp, X >> 1, y, detailDivisor)][2 * j]);

@@ -2,6 +2,6 @@
 
 namespace Lumaforge::ssse3 {
 
-void Install(SrUpscaleKernels* kernels) { kernels->standard2x = x86::SrStandard2x; }
+void Install(SrUpscaleKernels* kernels) { kernels->standard2x = x86::SrStandard2x<false>; }
 
 }  // namespace Lumaforge::ssse3

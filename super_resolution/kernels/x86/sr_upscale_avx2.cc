@@ -1,0 +1,7 @@
+#include "super_resolution/kernels/x86/sr_upscale_simd.h"
+
+namespace Lumaforge::avx2 {
+
+void Install(SrUpscaleKernels* kernels) { kernels->standard2x = x86::SrStandard2x<true>; }
+
+}  // namespace Lumaforge::avx2
