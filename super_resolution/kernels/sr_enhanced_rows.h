@@ -66,6 +66,24 @@ inline bool FlatBlock(const RowTriple& top, const RowTriple& bottom, int32_t x, 
          RangeAt(bottom, x, width) < kSrFlatRange && RangeAt(bottom, x1, width) < kSrFlatRange;
 }
 
+// One source pixel of a block: the plain formula when the block is flat, at
+// the first or last column, or when its class has no trained filter; else
+// `trained(p, cls, out0, out1)` writes the block from the neighbourhood.
+template <typename Trained>
+inline void BlockPixel(const RowTriple& rows, int32_t x, int32_t width, bool flat, const uint8_t* valid, uint8_t* out0,
+                       uint8_t* out1, Trained&& trained) {
+  if (!flat && x != 0 && x != width - 1) {
+    uint8_t p[kSrTaps];
+    Neighbourhood(rows, x, p);
+    const int32_t cls = SrClass(p);
+    if (valid[cls]) {
+      trained(p, cls);
+      return;
+    }
+  }
+  PlainPixel(rows, x, width, out0, out1);
+}
+
 }  // namespace Lumaforge::sr_enhanced
 
 #endif  // LUMAFORGE_SUPER_RESOLUTION_KERNELS_SR_ENHANCED_ROWS_H_

@@ -82,8 +82,7 @@ void SrStandard2x_c(const uint8_t* src, int32_t srcStride, int32_t width, int32_
   for (int32_t y = 0; y < height; ++y) {
     for (int32_t j = 0; j < 2; ++j) {
       const int16_t* rows[kSrStandardTaps];
-      for (int32_t b = 0; b < kSrStandardTaps; ++b)
-        rows[b] = scratch + static_cast<size_t>(Clamp(y + b - 3 + j, 0, height - 1)) * 2 * width;
+      FirstPassRows(scratch, y, j, width, height, rows);
       uint8_t* out = dst + static_cast<ptrdiff_t>(2 * y + j) * dstStride;
       for (int32_t X = 0; X < 2 * width; ++X)
         out[X] = VerticalOutput(rows, X, table.rows[EntryAt(qp, X >> 1, y, detailDivisor)][2 * j]);
@@ -91,16 +90,20 @@ void SrStandard2x_c(const uint8_t* src, int32_t srcStride, int32_t width, int32_
   }
 }
 
-void SrStandard15_c(const uint8_t* src, int32_t srcStride, int32_t width, int32_t height, uint8_t* dst,
-                    int32_t dstStride, const SrQpMap& qp, int32_t strength, int32_t /*chroma*/, int16_t* scratch) {
+namespace {
+
+// A separable 1.5x: `tapsAt(phase, x, y)` gives the six taps of an output
+// whose source position is (x, y), starting at PhaseOf15's first sample.
+template <typename TapsAt>
+void Separable15(const uint8_t* src, int32_t srcStride, int32_t width, int32_t height, uint8_t* dst, int32_t dstStride,
+                 int16_t* scratch, TapsAt&& tapsAt) {
   const int32_t outWidth = 3 * width / 2, outHeight = 3 * height / 2;
   for (int32_t y = 0; y < height; ++y) {
     const uint8_t* row = src + static_cast<ptrdiff_t>(y) * srcStride;
     int16_t* out = scratch + static_cast<size_t>(y) * outWidth;
     for (int32_t X = 0; X < outWidth; ++X) {
       const Phase15 at = PhaseOf15(X);
-      const Taps6 taps =
-          Taps15(at.phase, Sharpness15(strength, QpAt(qp, Clamp(2 * (X / 3), 0, width - 1), y), at.phase));
+      const Taps6 taps = tapsAt(at.phase, Clamp(2 * (X / 3), 0, width - 1), y);
       int32_t sum = 0;
       for (int32_t a = 0; a < kSrStandardTaps; ++a) sum += taps[a] * row[Clamp(at.first + a, 0, width - 1)];
       out[X] = static_cast<int16_t>(sum);
@@ -110,8 +113,7 @@ void SrStandard15_c(const uint8_t* src, int32_t srcStride, int32_t width, int32_
     const Phase15 at = PhaseOf15(Y);
     uint8_t* out = dst + static_cast<ptrdiff_t>(Y) * dstStride;
     for (int32_t X = 0; X < outWidth; ++X) {
-      const int32_t qpHere = QpAt(qp, Clamp(2 * (X / 3), 0, width - 1), Clamp(2 * (Y / 3), 0, height - 1));
-      const Taps6 taps = Taps15(at.phase, Sharpness15(strength, qpHere, at.phase));
+      const Taps6 taps = tapsAt(at.phase, Clamp(2 * (X / 3), 0, width - 1), Clamp(2 * (Y / 3), 0, height - 1));
       int32_t sum = 0;
       for (int32_t b = 0; b < kSrStandardTaps; ++b)
         sum += taps[b] * scratch[static_cast<size_t>(Clamp(at.first + b, 0, height - 1)) * outWidth + X];
@@ -120,33 +122,23 @@ void SrStandard15_c(const uint8_t* src, int32_t srcStride, int32_t width, int32_
   }
 }
 
+}  // namespace
+
+void SrStandard15_c(const uint8_t* src, int32_t srcStride, int32_t width, int32_t height, uint8_t* dst,
+                    int32_t dstStride, const SrQpMap& qp, int32_t strength, int32_t /*chroma*/, int16_t* scratch) {
+  Separable15(src, srcStride, width, height, dst, dstStride, scratch, [&](int32_t phase, int32_t x, int32_t y) {
+    return Taps15(phase, Sharpness15(strength, QpAt(qp, x, y), phase));
+  });
+}
+
 void SrAlternative15_c(const uint8_t* src, int32_t srcStride, int32_t width, int32_t height, uint8_t* dst,
                        int32_t dstStride, int16_t* scratch) {
-  // Four taps per phase from a sharpened cubic (Keys, a = -1), one sample
-  // either side of the pair around the output.
-  static constexpr int32_t kTaps[3][4] = {{-7, 61, 12, -2}, {-8, 40, 40, -8}, {-2, 12, 61, -7}};
-  const int32_t outWidth = 3 * width / 2, outHeight = 3 * height / 2;
-  // The six-tap start of PhaseOf15 is two samples left of the pair; four taps start one left.
-  for (int32_t y = 0; y < height; ++y) {
-    const uint8_t* row = src + static_cast<ptrdiff_t>(y) * srcStride;
-    int16_t* out = scratch + static_cast<size_t>(y) * outWidth;
-    for (int32_t X = 0; X < outWidth; ++X) {
-      const Phase15 at = PhaseOf15(X);
-      int32_t sum = 0;
-      for (int32_t a = 0; a < 4; ++a) sum += kTaps[at.phase][a] * row[Clamp(at.first + 1 + a, 0, width - 1)];
-      out[X] = static_cast<int16_t>(sum);
-    }
-  }
-  for (int32_t Y = 0; Y < outHeight; ++Y) {
-    const Phase15 at = PhaseOf15(Y);
-    uint8_t* out = dst + static_cast<ptrdiff_t>(Y) * dstStride;
-    for (int32_t X = 0; X < outWidth; ++X) {
-      int32_t sum = 0;
-      for (int32_t b = 0; b < 4; ++b)
-        sum += kTaps[at.phase][b] * scratch[static_cast<size_t>(Clamp(at.first + 1 + b, 0, height - 1)) * outWidth + X];
-      out[X] = ToByte(sum);
-    }
-  }
+  // Four taps per phase from a sharpened cubic (Keys, a = -1), over the
+  // sample either side of the pair around the output: the middle four of
+  // the six-tap window.
+  static constexpr Taps6 kTaps[3] = {{0, -7, 61, 12, -2, 0}, {0, -8, 40, 40, -8, 0}, {0, -2, 12, 61, -7, 0}};
+  Separable15(src, srcStride, width, height, dst, dstStride, scratch,
+              [](int32_t phase, int32_t, int32_t) { return kTaps[phase]; });
 }
 
 void SrTwoPass_c(const uint8_t* src, int32_t srcStride, int32_t width, int32_t height, uint8_t* dst, int32_t dstStride,

@@ -41,6 +41,14 @@ inline int16_t HorizontalOutput(const uint8_t* row, int32_t width, int32_t x, in
   return static_cast<int16_t>(sum);
 }
 
+// The six first-pass rows (2 width values each, edges repeated) that output
+// row 2y + j reads.
+inline void FirstPassRows(const int16_t* scratch, int32_t y, int32_t j, int32_t width, int32_t height,
+                          const int16_t* rows[kSrStandardTaps]) {
+  for (int32_t b = 0; b < kSrStandardTaps; ++b)
+    rows[b] = scratch + static_cast<size_t>(Clamp(y + b - 3 + j, 0, height - 1)) * 2 * width;
+}
+
 // Vertical output at column X of the rows `rows[0..5]` of the first pass.
 inline uint8_t VerticalOutput(const int16_t* const rows[kSrStandardTaps], int32_t X, const int8_t tableRow[16]) {
   int32_t taps[kSrStandardTaps];

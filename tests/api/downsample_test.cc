@@ -146,45 +146,47 @@ std::vector<uint8_t> FreshResult(const StridedI420& in, uint8_t callerBuffers) {
   return out.Rows();
 }
 
+// Frame 1 is copied into the filter's own pictures, frame 2 is used in
+// place, frame 3 is copied again; each has its own heap blocks.
+struct ThreeFrames {
+  ThreeFrames() {
+    in[0].FillRandom(1);
+    in[1].FillRandom(2);
+    in[2].FillRandom(3);
+  }
+  StridedI420 in[3] = {{64, 64, kCopiedIn}, {64, 64, kInPlaceIn}, {64, 64, kCopiedIn}};
+  StridedI420 out[3] = {{32, 32, kCopiedOut}, {32, 32, kInPlaceOut}, {32, 32, kCopiedOut}};
+};
+
 // A frame the filter works on in place must leave no pointer behind: the
 // next frame that needs the filter's own pictures neither reads nor writes
 // the earlier frame's planes (a host may have freed them).
 TEST(Downsample, AFrameNeverReachesThePlanesOfAnEarlierFrame) {
   Downsampler filter(1);
-  StridedI420 in1(64, 64, kCopiedIn), out1(32, 32, kCopiedOut);
-  StridedI420 in2(64, 64, kInPlaceIn), out2(32, 32, kInPlaceOut);
-  StridedI420 in3(64, 64, kCopiedIn), out3(32, 32, kCopiedOut);
-  in1.FillRandom(1);
-  in2.FillRandom(2);
-  in3.FillRandom(3);
-  ASSERT_EQ(filter.lf->Process(LF_FILTER_DOWNSAMPLE, &in1.picture, &out1.picture), LF_OK);
-  ASSERT_EQ(filter.lf->Process(LF_FILTER_DOWNSAMPLE, &in2.picture, &out2.picture), LF_OK);
-  const std::vector<uint8_t> in2Bytes = in2.AllBytes(), out2Bytes = out2.AllBytes();
-  ASSERT_EQ(filter.lf->Process(LF_FILTER_DOWNSAMPLE, &in3.picture, &out3.picture), LF_OK);
-  EXPECT_EQ(in2.AllBytes(), in2Bytes);
-  EXPECT_EQ(out2.AllBytes(), out2Bytes);
-  EXPECT_EQ(out3.Rows(), FreshResult(in3, 1));
+  ThreeFrames f;
+  ASSERT_EQ(filter.lf->Process(LF_FILTER_DOWNSAMPLE, &f.in[0].picture, &f.out[0].picture), LF_OK);
+  ASSERT_EQ(filter.lf->Process(LF_FILTER_DOWNSAMPLE, &f.in[1].picture, &f.out[1].picture), LF_OK);
+  const std::vector<uint8_t> inBytes = f.in[1].AllBytes(), outBytes = f.out[1].AllBytes();
+  ASSERT_EQ(filter.lf->Process(LF_FILTER_DOWNSAMPLE, &f.in[2].picture, &f.out[2].picture), LF_OK);
+  EXPECT_EQ(f.in[1].AllBytes(), inBytes);
+  EXPECT_EQ(f.out[1].AllBytes(), outBytes);
+  EXPECT_EQ(f.out[2].Rows(), FreshResult(f.in[2], 1));
 }
 
 // Leaving caller-buffer mode hands back the filter's own planes, never the
 // planes of the last frame the filter wrote in place.
 TEST(Downsample, LeavingCallerBufferModeHandsBackTheFiltersOwnPlanes) {
   Downsampler filter(1);
-  StridedI420 in1(64, 64, kCopiedIn), out1(32, 32, kCopiedOut);
-  StridedI420 in2(64, 64, kInPlaceIn), out2(32, 32, kInPlaceOut);
-  StridedI420 in3(64, 64, kCopiedIn), out3(32, 32, kCopiedOut);
-  in1.FillRandom(1);
-  in2.FillRandom(2);
-  in3.FillRandom(3);
-  ASSERT_EQ(filter.lf->Process(LF_FILTER_DOWNSAMPLE, &in1.picture, &out1.picture), LF_OK);
-  ASSERT_EQ(filter.lf->Process(LF_FILTER_DOWNSAMPLE, &in2.picture, &out2.picture), LF_OK);
-  const std::vector<uint8_t> in2Bytes = in2.AllBytes(), out2Bytes = out2.AllBytes();
+  ThreeFrames f;
+  ASSERT_EQ(filter.lf->Process(LF_FILTER_DOWNSAMPLE, &f.in[0].picture, &f.out[0].picture), LF_OK);
+  ASSERT_EQ(filter.lf->Process(LF_FILTER_DOWNSAMPLE, &f.in[1].picture, &f.out[1].picture), LF_OK);
+  const std::vector<uint8_t> inBytes = f.in[1].AllBytes(), outBytes = f.out[1].AllBytes();
   ASSERT_EQ(filter.lf->Init(LF_FILTER_DOWNSAMPLE, nullptr, 0), LF_OK);
-  VideoPicture handedBack = out3.picture;
-  ASSERT_EQ(filter.lf->Process(LF_FILTER_DOWNSAMPLE, &in3.picture, &handedBack), LF_OK);
-  for (int k = 0; k < 3; ++k) EXPECT_NE(handedBack.planes[k], out2.picture.planes[k]) << "plane " << k;
-  EXPECT_EQ(in2.AllBytes(), in2Bytes);
-  EXPECT_EQ(out2.AllBytes(), out2Bytes);
+  VideoPicture handedBack = f.out[2].picture;
+  ASSERT_EQ(filter.lf->Process(LF_FILTER_DOWNSAMPLE, &f.in[2].picture, &handedBack), LF_OK);
+  for (int k = 0; k < 3; ++k) EXPECT_NE(handedBack.planes[k], f.out[1].picture.planes[k]) << "plane " << k;
+  EXPECT_EQ(f.in[1].AllBytes(), inBytes);
+  EXPECT_EQ(f.out[1].AllBytes(), outBytes);
 }
 
 }  // namespace

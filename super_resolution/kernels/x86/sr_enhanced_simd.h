@@ -101,19 +101,11 @@ void SrEnhancedPlane(const uint8_t* src, int32_t srcStride, int32_t width, int32
                           ranges[1][i1] < kSrFlatRange;
         for (int32_t r = 0; r < rowCount; ++r) {
           for (int32_t px = x; px < x + 2 && px < width; ++px) {
-            if (flat || px == 0 || px == width - 1) {
-              PlainPixel(rows[r], px, width, out[r][0], out[r][1]);
-              continue;
-            }
-            uint8_t p[kSrTaps];
-            Neighbourhood(rows[r], px, p);
-            const int32_t cls = SrClass(p);
-            if (!filters.valid[cls]) {
-              PlainPixel(rows[r], px, width, out[r][0], out[r][1]);
-              continue;
-            }
-            TrainedPixel<D>(p, filters.byTap + static_cast<size_t>(cls) * kSrTaps * kSrPositions, out[r][0], out[r][1],
-                            px);
+            BlockPixel(rows[r], px, width, flat, filters.valid, out[r][0], out[r][1],
+                       [&](const uint8_t* p, int32_t cls) {
+                         TrainedPixel<D>(p, filters.byTap + static_cast<size_t>(cls) * kSrTaps * kSrPositions,
+                                         out[r][0], out[r][1], px);
+                       });
           }
         }
       }

@@ -153,8 +153,7 @@ void SrStandard2x(const uint8_t* src, int32_t srcStride, int32_t width, int32_t 
   for (int32_t y = 0; y < height; ++y) {
     for (int32_t j = 0; j < 2; ++j) {
       const int16_t* rows[kSrStandardTaps];
-      for (int32_t b = 0; b < kSrStandardTaps; ++b)
-        rows[b] = scratch + static_cast<size_t>(Clamp(y + b - 3 + j, 0, height - 1)) * 2 * width;
+      FirstPassRows(scratch, y, j, width, height, rows);
       uint8_t* out = dst + static_cast<ptrdiff_t>(2 * y + j) * dstStride;
       int32_t X = 0;
       int32_t taps[kSrStandardTaps];
