@@ -38,7 +38,7 @@ class I420Frame {
 enum class SrMode { kStandard2x, kEnhanced2x, kStandard15, kAlternative15 };
 
 const char* SrModeName(SrMode mode);
-// 2 or 1.5 as a fraction: output = input * numerator / denominator.
+// The enlarged size of `size` (even) in `mode`.
 inline int32_t SrScaled(SrMode mode, int32_t size) {
   return mode == SrMode::kStandard2x || mode == SrMode::kEnhanced2x ? 2 * size : 3 * size / 2;
 }

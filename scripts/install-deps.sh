@@ -8,7 +8,7 @@ packages=(
   g++ cmake ninja-build pkg-config git
   libsafec-dev    # the bounds-checked _s memory and string functions
   libgtest-dev    # GoogleTest, for the tests
-  libyuv-dev      # the benchmarks' reference (and later the upsampling filter)
+  libyuv-dev      # the upsampling filter's plane scaler, and the benchmarks' reference
   libcli11-dev    # the command-line tool's argument parsing
   libstb-dev      # the command-line tool's PNG, BMP and PPM reading and PNG writing
   "$@"
