@@ -19,6 +19,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -60,20 +61,23 @@ std::vector<HeldOutPicture> LoadHeldOut() {
 
 // One upscaler of a quality table: enlarges a source to the given size.
 struct Method {
-  const char* title;
+  const char* title;  // column title
+  const char* name;
   std::function<LumaPicture(const LumaPicture&, int32_t, int32_t)> upscale;
 };
 
-Method SrMethod(const char* title, SrUpscaler& upscaler) {
-  return {title, [&upscaler](const LumaPicture& s, int32_t w, int32_t h) { return upscaler.Upscale(s, w, h); }};
+Method SrMethod(const char* title, SrMode mode, SrUpscaler& upscaler) {
+  return {title, SrModeName(mode),
+          [&upscaler](const LumaPicture& s, int32_t w, int32_t h) { return upscaler.Upscale(s, w, h); }};
 }
-Method LibyuvMethod() { return {"yuv bilin", LibyuvBilinear}; }
-Method OpenCvMethod(const char* title, int interpolation) {
-  return {title, [interpolation](const LumaPicture& s, int32_t w, int32_t h) { return OpenCvResize(s, w, h, interpolation); }};
+Method LibyuvMethod() { return {"yuv bilin", "libyuv bilinear", LibyuvBilinear}; }
+Method OpenCvMethod(const char* title, const char* name, int interpolation) {
+  return {title, name,
+          [interpolation](const LumaPicture& s, int32_t w, int32_t h) { return OpenCvResize(s, w, h, interpolation); }};
 }
 
 // Prints one row per picture and the mean; the first `srMethods` methods are
-// compared with the one titled "cv cubic". `degrade` makes the source of a
+// compared with the one named "INTER_CUBIC". `degrade` makes the source of a
 // photograph already cropped by `crop`.
 void QualityTable(const char* title, const std::vector<HeldOutPicture>& pictures, int32_t crop,
                   const std::function<LumaPicture(const LumaPicture&)>& degrade, const std::vector<Method>& methods,
@@ -82,7 +86,7 @@ void QualityTable(const char* title, const std::vector<HeldOutPicture>& pictures
   for (const Method& method : methods) std::printf(" %10s", method.title);
   std::printf("\n");
   size_t cubic = 0;
-  while (cubic < methods.size() && std::string(methods[cubic].title) != "cv cubic") ++cubic;
+  while (cubic < methods.size() && std::string(methods[cubic].name) != "INTER_CUBIC") ++cubic;
 
   std::vector<double> sums(methods.size(), 0.0);
   std::vector<int> ahead(srMethods, 0);
@@ -121,7 +125,7 @@ void QualityTable(const char* title, const std::vector<HeldOutPicture>& pictures
   for (size_t m = 0; m < srMethods && cubic < methods.size(); ++m) {
     if (failed[m]) continue;
     const double difference = (sums[m] - sums[cubic]) / count;
-    std::printf("%s - INTER_CUBIC: %+.3f dB on average (%s), ahead on %d of %zu pictures\n", methods[m].title,
+    std::printf("%s - INTER_CUBIC: %+.3f dB on average (%s), ahead on %d of %zu pictures\n", methods[m].name,
                 difference, difference >= 0 ? "beats it" : "trails it", ahead[m], pictures.size());
   }
   std::printf("\n");
@@ -133,20 +137,23 @@ void Quality(const std::vector<HeldOutPicture>& pictures) {
   SrUpscaler enhanced(SrMode::kEnhanced2x), standard2x(SrMode::kStandard2x);
   QualityTable("2x: source = 2x2 area average of the photograph (cropped to multiples of 4)", pictures, 4,
                sr_train::HalveByAreaAverage,
-               {SrMethod("SR enh", enhanced), SrMethod("SR std", standard2x), LibyuvMethod(),
-                OpenCvMethod("cv linear", cv::INTER_LINEAR), OpenCvMethod("cv cubic", cv::INTER_CUBIC),
-                OpenCvMethod("cv lanczos", cv::INTER_LANCZOS4)},
+               {SrMethod("SR enh", SrMode::kEnhanced2x, enhanced), SrMethod("SR std", SrMode::kStandard2x, standard2x),
+                LibyuvMethod(), OpenCvMethod("cv linear", "INTER_LINEAR", cv::INTER_LINEAR),
+                OpenCvMethod("cv cubic", "INTER_CUBIC", cv::INTER_CUBIC),
+                OpenCvMethod("cv lanczos", "INTER_LANCZOS4", cv::INTER_LANCZOS4)},
                2);
 
   SrUpscaler standard15(SrMode::kStandard15), alternative15(SrMode::kAlternative15);
   const auto twoThirds = [](const LumaPicture& original) {
     return OpenCvResize(original, original.width * 2 / 3, original.height * 2 / 3, cv::INTER_AREA);
   };
-  QualityTable("1.5x: source = the photograph (cropped to multiples of 12) reduced to 2/3 by INTER_AREA", pictures, 12,
-               twoThirds,
-               {SrMethod("SR std", standard15), SrMethod("SR alt", alternative15), LibyuvMethod(),
-                OpenCvMethod("cv cubic", cv::INTER_CUBIC), OpenCvMethod("cv lanczos", cv::INTER_LANCZOS4)},
-               2);
+  QualityTable(
+      "1.5x: source = the photograph (cropped to multiples of 12) reduced to 2/3 by INTER_AREA", pictures, 12,
+      twoThirds,
+      {SrMethod("SR std", SrMode::kStandard15, standard15), SrMethod("SR alt", SrMode::kAlternative15, alternative15),
+       LibyuvMethod(), OpenCvMethod("cv cubic", "INTER_CUBIC", cv::INTER_CUBIC),
+       OpenCvMethod("cv lanczos", "INTER_LANCZOS4", cv::INTER_LANCZOS4)},
+      2);
 }
 
 // The speed test's source: the first held-out photograph cropped to 16:9
@@ -176,7 +183,8 @@ I420Frame SpeedSource(const std::vector<HeldOutPicture>& pictures, std::string& 
     }
     description = "synthetic (no held-out photograph)";
   }
-  cv::Mat from(kHeight, kWidth, CV_8UC1, luma.pixels.data()), to(kHeight / 2, kWidth / 2, CV_8UC1, chroma.pixels.data());
+  cv::Mat from(kHeight, kWidth, CV_8UC1, luma.pixels.data()),
+      to(kHeight / 2, kWidth / 2, CV_8UC1, chroma.pixels.data());
   cv::resize(from, to, to.size(), 0, 0, cv::INTER_AREA);
   return I420Frame(luma, &chroma);
 }
@@ -200,8 +208,8 @@ void Speed(const std::vector<HeldOutPicture>& pictures, int frames) {
   std::string description;
   I420Frame source = SpeedSource(pictures, description);
   std::printf(
-      "Speed: one core, %d frames per mode alternating SR and OpenCV %s INTER_CUBIC (three planes), median ms per "
-      "frame\nprocessor tier %d (%s); source 640x360 I420: %s\n",
+      "Speed: one core, %d frames per mode alternating SR and OpenCV %s INTER_CUBIC (three planes); ms per frame: "
+      "medians, then means; ratio of the medians\nprocessor tier %d (%s); source 640x360 I420: %s\n",
       frames, CV_VERSION, tier, level, description.c_str());
   std::printf("%-20s %-20s %9s %9s %9s %9s %9s\n", "mode", "size", "SR", "cubic", "SR mean", "cub mean", "SR/cubic");
 

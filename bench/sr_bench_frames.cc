@@ -67,14 +67,10 @@ LumaPicture I420Frame::Luma() const {
 
 const char* SrModeName(SrMode mode) {
   switch (mode) {
-    case SrMode::kStandard2x:
-      return "SR 2x standard";
-    case SrMode::kEnhanced2x:
-      return "SR 2x enhanced";
-    case SrMode::kStandard15:
-      return "SR 1.5x standard";
-    case SrMode::kAlternative15:
-      return "SR 1.5x alternative";
+    case SrMode::kStandard2x: return "SR 2x standard";
+    case SrMode::kEnhanced2x: return "SR 2x enhanced";
+    case SrMode::kStandard15: return "SR 1.5x standard";
+    case SrMode::kAlternative15: return "SR 1.5x alternative";
   }
   return "?";
 }
