@@ -24,7 +24,12 @@ using Taps6 = std::array<int32_t, kSrStandardTaps>;
 // 2x, output a quarter sample right of the source sample.
 inline constexpr Taps6 kSoftQuarter = {0, 0, 48, 16, 0, 0};
 inline constexpr Taps6 kSharpQuarter = {3, -12, 60, 19, -7, 1};
-// 1.5x, outputs a sixth of a sample right of a source sample, and midway.
+// 1.5x: of every three outputs, two lie a sixth of a sample from a source
+// sample (one each side) and one midway between two. The sixth phases are
+// the windowed sinc at distances 1/6, 5/6, 7/6 ...: mostly the near sample
+// (61/64) with small lobes; the midway phase splits evenly and carries the
+// largest negative lobes, since an output between two samples is where
+// interpolation loses most detail.
 inline constexpr Taps6 kSoftSixth = {0, 0, 53, 11, 0, 0};
 inline constexpr Taps6 kSharpSixth = {2, -7, 61, 11, -3, 0};
 inline constexpr Taps6 kSoftHalf = {0, 0, 32, 32, 0, 0};
