@@ -8,44 +8,9 @@
 namespace Lumaforge {
 namespace {
 
-using sr_taps::Taps6;
-
 using sr_rows::Clamp;
 using sr_rows::QpAt;
 using sr_rows::ToByte;
-
-// Where output i of a 1.5x row samples the source: the sample two left of
-// which its six taps start, and its phase (0: a sixth right of a sample,
-// 1: midway, 2: a sixth left of the next one).
-struct Phase15 {
-  int32_t first, phase;
-};
-Phase15 PhaseOf15(int32_t i) {
-  const int32_t m = i / 3, q = i % 3;
-  // Output i sits at source position (2i - 0.5) / 3.
-  if (q == 0) return {2 * m - 1 - 2, 2};
-  if (q == 1) return {2 * m - 2, 1};
-  return {2 * m + 1 - 2, 0};
-}
-
-// The six 1.5x taps of a phase at a sharpness.
-Taps6 Taps15(int32_t phase, int32_t sharpness) {
-  if (phase == 1) return sr_taps::Blend(sr_taps::kSoftHalf, sr_taps::kSharpHalf, sharpness, 2);
-  const Taps6 right = sr_taps::Blend(sr_taps::kSoftSixth, sr_taps::kSharpSixth, sharpness, 2);
-  return phase == 0 ? right : sr_taps::Reversed(right);
-}
-
-// Sharpness of a 1.5x output. Sources reduced by 2/3 are blurred by the
-// reduction itself, so the kernels go past the sharp end (sharpness above
-// 256 extrapolates the blend): 400 measured best on held-out photographs,
-// and more would let the first pass leave 16 bits. The quantiser scales it
-// down as for 2x; `level` 1..3 (luma) all take the full amount, 4 (chroma)
-// about half, as colour edges are softer to begin with. Both phases a sixth
-// from a sample and the midway phase take the same sharpness.
-int32_t Sharpness15(int32_t level, int32_t qp) {
-  static constexpr int32_t kLevel[5] = {0, 400, 400, 400, 192};
-  return kLevel[Clamp(level, 0, 4)] * sr_taps::SharpnessOfQp(qp) >> 8;
-}
 
 }  // namespace
 
@@ -94,33 +59,23 @@ void SrStandard2x_c(const uint8_t* src, int32_t srcStride, int32_t width, int32_
 
 namespace {
 
-// A separable 1.5x: `tapsAt(phase, x, y)` gives the six taps of an output
-// whose source position is (x, y), starting at PhaseOf15's first sample.
+// A separable 1.5x with the taps `tapsAt` gives.
 template <typename TapsAt>
 void Separable15(const uint8_t* src, int32_t srcStride, int32_t width, int32_t height, uint8_t* dst, int32_t dstStride,
-                 int16_t* scratch, TapsAt&& tapsAt) {
+                 int16_t* scratch, const TapsAt& tapsAt) {
+  using namespace sr_rows;
   const int32_t outWidth = 3 * width / 2, outHeight = 3 * height / 2;
   for (int32_t y = 0; y < height; ++y) {
     const uint8_t* row = src + static_cast<ptrdiff_t>(y) * srcStride;
     int16_t* out = scratch + static_cast<size_t>(y) * outWidth;
-    for (int32_t X = 0; X < outWidth; ++X) {
-      const Phase15 at = PhaseOf15(X);
-      const Taps6 taps = tapsAt(at.phase, Clamp(2 * (X / 3), 0, width - 1), y);
-      int32_t sum = 0;
-      for (int32_t a = 0; a < kSrStandardTaps; ++a) sum += taps[a] * row[Clamp(at.first + a, 0, width - 1)];
-      out[X] = static_cast<int16_t>(sum);
-    }
+    for (int32_t X = 0; X < outWidth; ++X) out[X] = HorizontalOutput15(row, width, X, y, tapsAt);
   }
   for (int32_t Y = 0; Y < outHeight; ++Y) {
-    const Phase15 at = PhaseOf15(Y);
+    const int16_t* rows[kSrStandardTaps];
+    FirstPassRows15(scratch, Y, outWidth, height, rows);
     uint8_t* out = dst + static_cast<ptrdiff_t>(Y) * dstStride;
-    for (int32_t X = 0; X < outWidth; ++X) {
-      const Taps6 taps = tapsAt(at.phase, Clamp(2 * (X / 3), 0, width - 1), Clamp(2 * (Y / 3), 0, height - 1));
-      int32_t sum = 0;
-      for (int32_t b = 0; b < kSrStandardTaps; ++b)
-        sum += taps[b] * scratch[static_cast<size_t>(Clamp(at.first + b, 0, height - 1)) * outWidth + X];
-      out[X] = ToByte(sum);
-    }
+    for (int32_t X = 0; X < outWidth; ++X)
+      out[X] = VerticalOutput15(rows, X, VerticalTaps15(X, Y, width, height, tapsAt));
   }
 }
 
@@ -128,19 +83,12 @@ void Separable15(const uint8_t* src, int32_t srcStride, int32_t width, int32_t h
 
 void SrStandard15_c(const uint8_t* src, int32_t srcStride, int32_t width, int32_t height, uint8_t* dst,
                     int32_t dstStride, const SrQpMap& qp, int32_t strength, int32_t /*chroma*/, int16_t* scratch) {
-  Separable15(src, srcStride, width, height, dst, dstStride, scratch, [&](int32_t phase, int32_t x, int32_t y) {
-    return Taps15(phase, Sharpness15(strength, QpAt(qp, x, y)));
-  });
+  Separable15(src, srcStride, width, height, dst, dstStride, scratch, sr_rows::StandardTaps15{qp, strength});
 }
 
 void SrAlternative15_c(const uint8_t* src, int32_t srcStride, int32_t width, int32_t height, uint8_t* dst,
                        int32_t dstStride, int16_t* scratch) {
-  // Four taps per phase from a sharpened cubic (Keys, a = -1), over the
-  // sample either side of the pair around the output: the middle four of
-  // the six-tap window.
-  static constexpr Taps6 kTaps[3] = {{0, -7, 61, 12, -2, 0}, {0, -8, 40, 40, -8, 0}, {0, -2, 12, 61, -7, 0}};
-  Separable15(src, srcStride, width, height, dst, dstStride, scratch,
-              [](int32_t phase, int32_t, int32_t) { return kTaps[phase]; });
+  Separable15(src, srcStride, width, height, dst, dstStride, scratch, sr_rows::AlternativeTaps15{});
 }
 
 void SrTwoPass_c(const uint8_t* src, int32_t srcStride, int32_t width, int32_t height, uint8_t* dst, int32_t dstStride,

@@ -58,11 +58,53 @@ KernelEntry<Table> Standard2xEntry(const char* name, bool chroma, bool withPrevi
       rules);
 }
 
+KernelEntry<Table> Standard15Entry(const char* name, bool chroma, int32_t strength) {
+  ShapeRules rules;
+  rules.maxHeight = 9;
+  rules.benchWidth = 640;
+  rules.benchHeight = 360;
+  return Entry<Table, SrScale15Kernel*>(
+      name, &Table::standard15,
+      [](const Shape& s, Buffers& b) {
+        b.AddInput("src", s.width, s.height);
+        b.AddOutput("dst", 3 * s.width / 2, 3 * s.height / 2);
+      },
+      [=](SrScale15Kernel* kernel, Buffers& b) {
+        const Shape& s = b.GetShape();
+        const int32_t shift = chroma ? 3 : 4;
+        const std::vector<uint8_t> qp = QpList(s, shift);
+        std::vector<int16_t> scratch = Scratch(s);
+        kernel(b[0].Row(0), b[0].Stride(), s.width, s.height, b[1].Row(0), b[1].Stride(),
+               SrQpMap{qp.data(), (s.width >> shift) + 1, shift}, strength, chroma, scratch.data());
+      },
+      rules);
+}
+
+KernelEntry<Table> Alternative15Entry() {
+  ShapeRules rules;
+  rules.maxHeight = 9;
+  rules.benchWidth = 640;
+  rules.benchHeight = 360;
+  return Entry<Table, SrAlternative15Kernel*>(
+      "alternative15", &Table::alternative15,
+      [](const Shape& s, Buffers& b) {
+        b.AddInput("src", s.width, s.height);
+        b.AddOutput("dst", 3 * s.width / 2, 3 * s.height / 2);
+      },
+      [](SrAlternative15Kernel* kernel, Buffers& b) {
+        const Shape& s = b.GetShape();
+        std::vector<int16_t> scratch = Scratch(s);
+        kernel(b[0].Row(0), b[0].Stride(), s.width, s.height, b[1].Row(0), b[1].Stride(), scratch.data());
+      },
+      rules);
+}
+
 const FamilyRegistration<Table> kRegistration{
     "sr_upscale",
     InitSrUpscaleKernels,
     {Standard2xEntry("standard2x_luma", false, true), Standard2xEntry("standard2x_chroma", true, true),
-     Standard2xEntry("standard2x_first_frame", false, false)}};
+     Standard2xEntry("standard2x_first_frame", false, false), Standard15Entry("standard15_luma", false, 1),
+     Standard15Entry("standard15_chroma", true, 4), Alternative15Entry()}};
 
 }  // namespace
 }  // namespace Lumaforge::test

@@ -20,10 +20,10 @@ namespace {
 using namespace sr_rows;
 
 // Taps a, a + 1 as one signed byte pair per 16-bit lane.
-inline __m128i BytePair(const int32_t taps[kSrStandardTaps], int32_t a) {
+inline __m128i BytePair(const int32_t* taps, int32_t a) {
   return _mm_set1_epi16(static_cast<int16_t>((taps[a] & 0xFF) | (taps[a + 1] << 8)));
 }
-inline __m128i WordPair(const int32_t taps[kSrStandardTaps], int32_t b) {
+inline __m128i WordPair(const int32_t* taps, int32_t b) {
   return _mm_set1_epi32((taps[b] & 0xFFFF) | (taps[b + 1] * 65536));
 }
 
@@ -171,6 +171,102 @@ void SrStandard2x(const uint8_t* src, int32_t srcStride, int32_t width, int32_t 
         out[X] = VerticalOutput(rows, X, table.rows[EntryAt(qp, X >> 1, y, detailDivisor)][2 * j]);
     }
   }
+}
+
+// Eight 1.5x first-pass sums of one phase: for m = m0 .. m0 + 7, the six
+// taps over source samples 2m + first .. 2m + first + 5. Each tap pair reads
+// one sixteen-byte run whose byte pairs are exactly those samples' pairs.
+// `low` and `high` are the taps of m0 .. m0 + 3 and m0 + 4 .. m0 + 7 (chroma
+// quantiser blocks span four values of m).
+inline __m128i Phase15Sums(const uint8_t* row, int32_t m0, int32_t first, const sr_taps::Taps6& low,
+                           const sr_taps::Taps6& high) {
+  __m128i sum = _mm_setzero_si128();
+  for (int32_t a = 0; a < kSrStandardTaps; a += 2) {
+    const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(row + 2 * m0 + first + a));
+    const __m128i pairs = _mm_unpacklo_epi64(BytePair(low.data(), a), BytePair(high.data(), a));
+    sum = _mm_add_epi16(sum, _mm_maddubs_epi16(bytes, pairs));
+  }
+  return sum;
+}
+
+// Second-pass taps of eight outputs X .. X + 7 as word pairs per lane: one
+// set when they share a quantiser block, else per output.
+template <typename TapsAt>
+inline void VerticalPairs15(int32_t X, int32_t Y, int32_t width, int32_t height, const TapsAt& tapsAt,
+                            __m128i pairs[3][2]) {
+  const sr_taps::Taps6 first = VerticalTaps15(X, Y, width, height, tapsAt);
+  const sr_taps::Taps6 last = VerticalTaps15(X + 7, Y, width, height, tapsAt);
+  if (first == last) {
+    for (int32_t b = 0; b < kSrStandardTaps; b += 2) pairs[b / 2][0] = pairs[b / 2][1] = WordPair(first.data(), b);
+    return;
+  }
+  alignas(16) int32_t lanes[3][8];
+  for (int32_t i = 0; i < 8; ++i) {
+    const sr_taps::Taps6 t = VerticalTaps15(X + i, Y, width, height, tapsAt);
+    for (int32_t b = 0; b < kSrStandardTaps; b += 2) lanes[b / 2][i] = (t[b] & 0xFFFF) | (t[b + 1] * 65536);
+  }
+  for (int32_t p = 0; p < 3; ++p) {
+    pairs[p][0] = _mm_load_si128(reinterpret_cast<const __m128i*>(lanes[p]));
+    pairs[p][1] = _mm_load_si128(reinterpret_cast<const __m128i*>(lanes[p] + 4));
+  }
+}
+
+template <typename TapsAt>
+void Separable15(const uint8_t* src, int32_t srcStride, int32_t width, int32_t height, uint8_t* dst, int32_t dstStride,
+                 int16_t* scratch, const TapsAt& tapsAt) {
+  const int32_t outWidth = 3 * width / 2, outHeight = 3 * height / 2;
+  // Phase q of output 3m + q: its taps' phase and where they start from 2m.
+  static constexpr int32_t kPhase[3] = {2, 1, 0}, kFirst[3] = {-3, -2, -1};
+  for (int32_t y = 0; y < height; ++y) {
+    const uint8_t* row = src + static_cast<ptrdiff_t>(y) * srcStride;
+    int16_t* out = scratch + static_cast<size_t>(y) * outWidth;
+    // Vector runs of eight m from m = 8 (their taps reach three samples left
+    // of 2m) while the last sample read, 2m + 18, lies inside the row.
+    int32_t X = 0;
+    const int32_t vectorStart = outWidth < 24 ? outWidth : 24;
+    for (; X < vectorStart; ++X) out[X] = HorizontalOutput15(row, width, X, y, tapsAt);
+    for (int32_t m0 = 8; 2 * m0 + 19 <= width; m0 += 8, X += 24) {
+      alignas(16) int16_t sums[3][8];
+      for (int32_t q = 0; q < 3; ++q) {
+        const sr_taps::Taps6 low = tapsAt(kPhase[q], 2 * m0, y), high = tapsAt(kPhase[q], 2 * m0 + 8, y);
+        _mm_store_si128(reinterpret_cast<__m128i*>(sums[q]), Phase15Sums(row, m0, kFirst[q], low, high));
+      }
+      for (int32_t i = 0; i < 8; ++i) {
+        for (int32_t q = 0; q < 3; ++q) out[3 * (m0 + i) + q] = sums[q][i];
+      }
+    }
+    for (; X < outWidth; ++X) out[X] = HorizontalOutput15(row, width, X, y, tapsAt);
+  }
+  for (int32_t Y = 0; Y < outHeight; ++Y) {
+    const int16_t* rows[kSrStandardTaps];
+    FirstPassRows15(scratch, Y, outWidth, height, rows);
+    uint8_t* out = dst + static_cast<ptrdiff_t>(Y) * dstStride;
+    int32_t X = 0;
+    for (; X + 8 <= outWidth; X += 8) {
+      __m128i pairs[3][2];
+      VerticalPairs15(X, Y, width, height, tapsAt, pairs);
+      __m128i lo = _mm_set1_epi32(2048), hi = lo;
+      for (int32_t b = 0; b < kSrStandardTaps; b += 2) {
+        const __m128i r0 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(rows[b] + X));
+        const __m128i r1 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(rows[b + 1] + X));
+        lo = _mm_add_epi32(lo, _mm_madd_epi16(_mm_unpacklo_epi16(r0, r1), pairs[b / 2][0]));
+        hi = _mm_add_epi32(hi, _mm_madd_epi16(_mm_unpackhi_epi16(r0, r1), pairs[b / 2][1]));
+      }
+      const __m128i words = _mm_packs_epi32(_mm_srai_epi32(lo, 12), _mm_srai_epi32(hi, 12));
+      _mm_storel_epi64(reinterpret_cast<__m128i*>(out + X), _mm_packus_epi16(words, words));
+    }
+    for (; X < outWidth; ++X) out[X] = VerticalOutput15(rows, X, VerticalTaps15(X, Y, width, height, tapsAt));
+  }
+}
+
+inline void SrStandard15(const uint8_t* src, int32_t srcStride, int32_t width, int32_t height, uint8_t* dst,
+                         int32_t dstStride, const SrQpMap& qp, int32_t strength, int32_t /*chroma*/, int16_t* scratch) {
+  Separable15(src, srcStride, width, height, dst, dstStride, scratch, StandardTaps15{qp, strength});
+}
+
+inline void SrAlternative15(const uint8_t* src, int32_t srcStride, int32_t width, int32_t height, uint8_t* dst,
+                            int32_t dstStride, int16_t* scratch) {
+  Separable15(src, srcStride, width, height, dst, dstStride, scratch, AlternativeTaps15{});
 }
 
 }  // namespace

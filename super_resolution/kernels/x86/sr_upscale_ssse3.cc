@@ -2,6 +2,10 @@
 
 namespace Lumaforge::ssse3 {
 
-void Install(SrUpscaleKernels* kernels) { kernels->standard2x = x86::SrStandard2x<false>; }
+void Install(SrUpscaleKernels* kernels) {
+  kernels->standard2x = x86::SrStandard2x<false>;
+  kernels->standard15 = x86::SrStandard15;
+  kernels->alternative15 = x86::SrAlternative15;
+}
 
 }  // namespace Lumaforge::ssse3
