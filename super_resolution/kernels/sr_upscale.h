@@ -83,6 +83,7 @@ SrTwoPassKernel SrTwoPass_c;
 SrTableInitKernel SrInitTables_c;
 
 LUMAFORGE_KERNEL_LEVEL(ssse3, SrUpscaleKernels)
+LUMAFORGE_KERNEL_LEVEL(sse42, SrUpscaleKernels)
 LUMAFORGE_KERNEL_LEVEL(avx2, SrUpscaleKernels)
 
 // 16-bit scratch values a kernel needs for a width x height plane.

@@ -93,40 +93,21 @@ void SrAlternative15_c(const uint8_t* src, int32_t srcStride, int32_t width, int
 
 void SrTwoPass_c(const uint8_t* src, int32_t srcStride, int32_t width, int32_t height, uint8_t* dst, int32_t dstStride,
                  int32_t gain, int32_t threshold, int32_t last, int16_t* scratch) {
-  // Bicubic (Keys, a = -0.75) a quarter sample right of a sample, over the
-  // samples one left to two right; the left phase reverses it.
-  static constexpr int32_t kRight[4] = {-7, 56, 17, -2};
+  using namespace sr_rows;
   for (int32_t y = 0; y < height; ++y) {
     const uint8_t* row = src + static_cast<ptrdiff_t>(y) * srcStride;
     int16_t* out = scratch + static_cast<size_t>(y) * 2 * width;
     for (int32_t x = 0; x < width; ++x) {
-      int32_t left = 0, right = 0;
-      for (int32_t a = 0; a < 4; ++a) {
-        left += kRight[3 - a] * row[Clamp(x - 2 + a, 0, width - 1)];
-        right += kRight[a] * row[Clamp(x - 1 + a, 0, width - 1)];
-      }
-      out[2 * x] = static_cast<int16_t>(left);
-      out[2 * x + 1] = static_cast<int16_t>(right);
+      out[2 * x] = TwoPassAcross(row, width, x, 0);
+      out[2 * x + 1] = TwoPassAcross(row, width, x, 1);
     }
   }
   for (int32_t y = 0; y < height; ++y) {
     for (int32_t j = 0; j < 2; ++j) {
+      const int16_t* rows[kSrStandardTaps];
+      FirstPassRows(scratch, y, j, width, height, rows);
       uint8_t* out = dst + static_cast<ptrdiff_t>(2 * y + j) * dstStride;
-      const int32_t near = y, far = Clamp(j ? y + 1 : y - 1, 0, height - 1);
-      for (int32_t X = 0; X < 2 * width; ++X) {
-        int32_t sum = 0;
-        for (int32_t b = 0; b < 4; ++b) {
-          const int32_t tap = j ? kRight[b] : kRight[3 - b];
-          sum += tap * scratch[static_cast<size_t>(Clamp(y - 2 + j + b, 0, height - 1)) * 2 * width + X];
-        }
-        // The linear blend of the two nearest rows of the first pass, and
-        // the detail the cubic adds over it, scaled and cored.
-        const int32_t linear = 48 * scratch[static_cast<size_t>(near) * 2 * width + X] +
-                               16 * scratch[static_cast<size_t>(far) * 2 * width + X];
-        int32_t detail = sum - linear;
-        if (!last && detail < threshold * 64 && -detail < threshold * 64) detail = 0;
-        out[X] = ToByte(linear + detail * gain / 16);
-      }
+      for (int32_t X = 0; X < 2 * width; ++X) out[X] = TwoPassDown(rows, X, j, gain, threshold, last);
     }
   }
 }
@@ -137,7 +118,8 @@ void InitSrUpscaleKernels(SrUpscaleKernels* kernels, uint32_t cpuFeatures) {
   kernels->standard2x = SrStandard2x_c;
   kernels->twoPass = SrTwoPass_c;
   kernels->initTables = SrInitTables_c;
-  ClimbLadder(kernels, cpuFeatures, {{kCpuSSSE3, ssse3::Install}, {kCpuAVX2, avx2::Install}});
+  ClimbLadder(kernels, cpuFeatures,
+              {{kCpuSSSE3, ssse3::Install}, {kCpuSSE42, sse42::Install}, {kCpuAVX2, avx2::Install}});
 }
 
 }  // namespace Lumaforge

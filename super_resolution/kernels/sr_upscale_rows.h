@@ -149,6 +149,32 @@ inline uint8_t VerticalOutput15(const int16_t* const rows[kSrStandardTaps], int3
   return ToByte(sum);
 }
 
+// The two-pass 2x: cubic interpolation (Keys, a = -0.75) a quarter sample
+// from a sample, as six-tap windows with zero ends, across then down; then
+// `gain` / 16 of the detail the cubic adds over the linear blend of the two
+// nearest first-pass rows, cored below `threshold` unless `last`.
+inline constexpr int32_t kTwoPassLeft[kSrStandardTaps] = {0, -2, 17, 56, -7, 0};
+inline constexpr int32_t kTwoPassRight[kSrStandardTaps] = {0, -7, 56, 17, -2, 0};
+
+inline int16_t TwoPassAcross(const uint8_t* row, int32_t width, int32_t x, int32_t i) {
+  const int32_t* taps = i ? kTwoPassRight : kTwoPassLeft;
+  int32_t sum = 0;
+  for (int32_t a = 0; a < kSrStandardTaps; ++a) sum += taps[a] * row[Clamp(x + a - 3 + i, 0, width - 1)];
+  return static_cast<int16_t>(sum);
+}
+
+// Output X of row 2y + j from the first-pass rows of FirstPassRows.
+inline uint8_t TwoPassDown(const int16_t* const rows[kSrStandardTaps], int32_t X, int32_t j, int32_t gain,
+                           int32_t threshold, int32_t last) {
+  const int32_t* taps = j ? kTwoPassRight : kTwoPassLeft;
+  int32_t sum = 0;
+  for (int32_t b = 0; b < kSrStandardTaps; ++b) sum += taps[b] * rows[b][X];
+  const int32_t linear = 48 * rows[3 - j][X] + 16 * rows[j ? 3 : 2][X];
+  int32_t detail = sum - linear;
+  if (!last && detail < threshold * 64 && -detail < threshold * 64) detail = 0;
+  return ToByte(linear + detail * gain / 16);
+}
+
 }  // namespace Lumaforge::sr_rows
 
 #endif  // LUMAFORGE_SUPER_RESOLUTION_KERNELS_SR_UPSCALE_ROWS_H_

@@ -99,12 +99,35 @@ KernelEntry<Table> Alternative15Entry() {
       rules);
 }
 
+// The settings no frame reaches in the filter: luma (gain 22, coring 16)
+// and chroma (gain 22, coring 64, last plane).
+KernelEntry<Table> TwoPassEntry(const char* name, int32_t threshold, int32_t last) {
+  ShapeRules rules;
+  rules.maxHeight = 9;
+  rules.benchWidth = 640;
+  rules.benchHeight = 360;
+  return Entry<Table, SrTwoPassKernel*>(
+      name, &Table::twoPass,
+      [](const Shape& s, Buffers& b) {
+        b.AddInput("src", s.width, s.height);
+        b.AddOutput("dst", 2 * s.width, 2 * s.height);
+      },
+      [=](SrTwoPassKernel* kernel, Buffers& b) {
+        const Shape& s = b.GetShape();
+        std::vector<int16_t> scratch = Scratch(s);
+        kernel(b[0].Row(0), b[0].Stride(), s.width, s.height, b[1].Row(0), b[1].Stride(), 22, threshold, last,
+               scratch.data());
+      },
+      rules);
+}
+
 const FamilyRegistration<Table> kRegistration{
     "sr_upscale",
     InitSrUpscaleKernels,
     {Standard2xEntry("standard2x_luma", false, true), Standard2xEntry("standard2x_chroma", true, true),
      Standard2xEntry("standard2x_first_frame", false, false), Standard15Entry("standard15_luma", false, 1),
-     Standard15Entry("standard15_chroma", true, 4), Alternative15Entry()}};
+     Standard15Entry("standard15_chroma", true, 4), Alternative15Entry(), TwoPassEntry("two_pass_luma", 16, 0),
+     TwoPassEntry("two_pass_chroma", 64, 1)}};
 
 }  // namespace
 }  // namespace Lumaforge::test

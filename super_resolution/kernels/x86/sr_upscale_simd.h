@@ -11,6 +11,8 @@
 
 #include <immintrin.h>
 
+#include <cstring>
+
 #include "super_resolution/kernels/sr_upscale.h"
 #include "super_resolution/kernels/sr_upscale_rows.h"
 
@@ -28,7 +30,7 @@ inline __m128i WordPair(const int32_t* taps, int32_t b) {
 }
 
 // One phase of eight outputs: sum over a of taps[a] * row[x + a + first].
-inline __m128i Phase8(const uint8_t* row, int32_t x, int32_t first, const int32_t taps[kSrStandardTaps]) {
+inline __m128i Phase8(const uint8_t* row, int32_t x, int32_t first, const int32_t* taps) {
   __m128i sum = _mm_setzero_si128();
   for (int32_t a = 0; a < kSrStandardTaps; a += 2) {
     const __m128i s0 = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(row + x + first + a));
@@ -268,6 +270,69 @@ inline void SrAlternative15(const uint8_t* src, int32_t srcStride, int32_t width
                             int32_t dstStride, int16_t* scratch) {
   Separable15(src, srcStride, width, height, dst, dstStride, scratch, AlternativeTaps15{});
 }
+
+#if defined(__SSE4_1__)
+// The two-pass 2x at eight outputs a step: the cubic taps as six-tap windows
+// with zero ends (so the standard 2x runs serve both passes), then the
+// linear blend, the cored detail and its gain in 32 bits.
+inline void SrTwoPass(const uint8_t* src, int32_t srcStride, int32_t width, int32_t height, uint8_t* dst,
+                      int32_t dstStride, int32_t gain, int32_t threshold, int32_t last, int16_t* scratch) {
+  const int32_t* kLeft = kTwoPassLeft;
+  const int32_t* kRight = kTwoPassRight;
+  for (int32_t y = 0; y < height; ++y) {
+    const uint8_t* row = src + static_cast<ptrdiff_t>(y) * srcStride;
+    int16_t* out = scratch + static_cast<size_t>(y) * 2 * width;
+    int32_t x = 0;
+    auto scalar = [&](int32_t end) {
+      for (; x < end; ++x)
+        out[2 * x] = TwoPassAcross(row, width, x, 0), out[2 * x + 1] = TwoPassAcross(row, width, x, 1);
+    };
+    scalar(width < 8 ? width : 8);
+    for (; x + 8 + 3 <= width; x += 8) {
+      const __m128i l = Phase8(row, x, -3, kLeft), r = Phase8(row, x, -2, kRight);
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(out + 2 * x), _mm_unpacklo_epi16(l, r));
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(out + 2 * x + 8), _mm_unpackhi_epi16(l, r));
+    }
+    scalar(width);
+  }
+  const __m128i limit = _mm_set1_epi32(threshold * 64), gains = _mm_set1_epi32(gain);
+  for (int32_t y = 0; y < height; ++y) {
+    for (int32_t j = 0; j < 2; ++j) {
+      const int16_t* rows[kSrStandardTaps];
+      FirstPassRows(scratch, y, j, width, height, rows);
+      // The nearest first-pass row (y) and the next one toward the output.
+      int32_t blend[kSrStandardTaps] = {};
+      blend[3 - j] = 48;
+      blend[j ? 3 : 2] = 16;
+      const int32_t* cubic = j ? kRight : kLeft;
+      uint8_t* out = dst + static_cast<ptrdiff_t>(2 * y + j) * dstStride;
+      int32_t X = 0;
+      for (; X + 4 <= 2 * width; X += 4) {
+        __m128i sum = _mm_setzero_si128(), linear = _mm_setzero_si128();
+        for (int32_t b = 0; b < kSrStandardTaps; b += 2) {
+          const __m128i r0 = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(rows[b] + X));
+          const __m128i r1 = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(rows[b + 1] + X));
+          const __m128i pairs = _mm_unpacklo_epi16(r0, r1);
+          sum = _mm_add_epi32(sum, _mm_madd_epi16(pairs, WordPair(cubic, b)));
+          linear = _mm_add_epi32(linear, _mm_madd_epi16(pairs, WordPair(blend, b)));
+        }
+        __m128i detail = _mm_sub_epi32(sum, linear);
+        if (!last)
+          detail =
+              _mm_and_si128(detail, _mm_cmplt_epi32(_mm_sub_epi32(limit, _mm_set1_epi32(1)), _mm_abs_epi32(detail)));
+        // detail * gain / 16, rounded toward zero as the plain division.
+        const __m128i scaled = _mm_mullo_epi32(detail, gains);
+        const __m128i toward = _mm_add_epi32(scaled, _mm_and_si128(_mm_srai_epi32(scaled, 31), _mm_set1_epi32(15)));
+        const __m128i total = _mm_add_epi32(_mm_add_epi32(linear, _mm_srai_epi32(toward, 4)), _mm_set1_epi32(2048));
+        const __m128i words = _mm_packs_epi32(_mm_srai_epi32(total, 12), _mm_setzero_si128());
+        const int32_t four = _mm_cvtsi128_si32(_mm_packus_epi16(words, words));
+        std::memcpy(out + X, &four, 4);
+      }
+      for (; X < 2 * width; ++X) out[X] = TwoPassDown(rows, X, j, gain, threshold, last);
+    }
+  }
+}
+#endif
 
 }  // namespace
 }  // namespace Lumaforge::x86
