@@ -69,13 +69,14 @@ inline bool FlatBlock(const RowTriple& top, const RowTriple& bottom, int32_t x, 
 // One source pixel of a block: the plain formula when the block is flat, at
 // the first or last column, or when its class has no trained filter; else
 // `trained(p, cls, out0, out1)` writes the block from the neighbourhood.
+// `known` is the pixel's class when the caller has it, else -1.
 template <typename Trained>
 inline void BlockPixel(const RowTriple& rows, int32_t x, int32_t width, bool flat, const uint8_t* valid, uint8_t* out0,
-                       uint8_t* out1, Trained&& trained) {
+                       uint8_t* out1, int32_t known, Trained&& trained) {
   if (!flat && x != 0 && x != width - 1) {
     uint8_t p[kSrTaps];
     Neighbourhood(rows, x, p);
-    const int32_t cls = SrClass(p);
+    const int32_t cls = known >= 0 ? known : SrClass(p);
     if (valid[cls]) {
       trained(p, cls);
       return;

@@ -60,6 +60,68 @@ void TrainedPixel(const uint8_t p[kSrTaps], const double* byTap, uint8_t* out0, 
   out1[2 * x + 1] = static_cast<uint8_t>(block[3]);
 }
 
+// The variance level of each variance index, looked up instead of searched.
+inline const uint8_t* LevelOfIndex() {
+  static const auto table = [] {
+    struct Table {
+      uint8_t level[256];
+    } t{};
+    for (int32_t i = 0; i < 256; ++i) t.level[i] = static_cast<uint8_t>(SrVarianceLevel(i));
+    return t;
+  }();
+  return table.level;
+}
+
+// Classes of pixels x .. x + 7 (columns x - 1 .. x + 8 must exist), as
+// SrClass gives them: ranges, patterns and sums in 16-bit lanes, sums of
+// squares in 32 bits, the variance in doubles in SrVarianceIndex's order.
+inline void Classes8(const RowTriple& rows, int32_t x, int16_t* classes) {
+  const __m128i zero = _mm_setzero_si128();
+  __m128i v[kSrTaps];
+  int32_t k = 0;
+  for (const uint8_t* row : {rows.above, rows.row, rows.below}) {
+    for (int32_t dx = -1; dx <= 1; ++dx)
+      v[k++] = _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(row + x + dx)), zero);
+  }
+  __m128i lo = v[0], hi = v[0], sum = zero, squaresLo = zero, squaresHi = zero;
+  for (k = 0; k < kSrTaps; ++k) {
+    lo = _mm_min_epi16(lo, v[k]);
+    hi = _mm_max_epi16(hi, v[k]);
+    sum = _mm_add_epi16(sum, v[k]);
+    const __m128i square = _mm_mullo_epi16(v[k], v[k]);  // below 2^16, unsigned
+    squaresLo = _mm_add_epi32(squaresLo, _mm_unpacklo_epi16(square, zero));
+    squaresHi = _mm_add_epi32(squaresHi, _mm_unpackhi_epi16(square, zero));
+  }
+  const __m128i threshold = _mm_srli_epi16(_mm_add_epi16(lo, hi), 1);
+  __m128i pattern = zero;
+  for (k = 0; k < kSrTaps; ++k)
+    pattern = _mm_or_si128(pattern, _mm_and_si128(_mm_cmpgt_epi16(v[k], threshold), _mm_set1_epi16(1 << k)));
+  const __m128i flat = _mm_cmplt_epi16(_mm_sub_epi16(hi, lo), _mm_set1_epi16(kSrFlatRange));
+  alignas(16) int32_t sums[8], squares[8];
+  _mm_store_si128(reinterpret_cast<__m128i*>(sums), _mm_unpacklo_epi16(sum, zero));
+  _mm_store_si128(reinterpret_cast<__m128i*>(sums + 4), _mm_unpackhi_epi16(sum, zero));
+  _mm_store_si128(reinterpret_cast<__m128i*>(squares), squaresLo);
+  _mm_store_si128(reinterpret_cast<__m128i*>(squares + 4), squaresHi);
+  alignas(16) int32_t index[8];
+  const __m128d nine = _mm_set1_pd(9.0), scale = _mm_set1_pd(255.0), range = _mm_set1_pd(16244.0);
+  for (int32_t i = 0; i < 8; i += 2) {
+    const __m128d mean = _mm_div_pd(_mm_cvtepi32_pd(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(sums + i))), nine);
+    const __m128d meanOfSquares =
+        _mm_div_pd(_mm_cvtepi32_pd(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(squares + i))), nine);
+    const __m128d variance = _mm_sub_pd(meanOfSquares, _mm_mul_pd(mean, mean));
+    const __m128d scaled = _mm_max_pd(_mm_div_pd(_mm_mul_pd(variance, scale), range), _mm_setzero_pd());
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(index + i), _mm_cvttpd_epi32(scaled));
+  }
+  alignas(16) int16_t patterns[8], flats[8];
+  _mm_store_si128(reinterpret_cast<__m128i*>(patterns), pattern);
+  _mm_store_si128(reinterpret_cast<__m128i*>(flats), flat);
+  const uint8_t* level = LevelOfIndex();
+  for (int32_t i = 0; i < 8; ++i) {
+    classes[i] = static_cast<int16_t>(flats[i] ? kSrFlatClass
+                                               : patterns[i] * kSrLevels + level[index[i] < 255 ? index[i] : 255]);
+  }
+}
+
 // Columns per pass: the ranges of one pass live on the stack.
 constexpr int32_t kChunk = 256;
 
@@ -67,6 +129,7 @@ template <typename D>
 void SrEnhancedPlane(const uint8_t* src, int32_t srcStride, int32_t width, int32_t height, uint8_t* dst,
                      int32_t dstStride, const SrTrainedFilters& filters) {
   alignas(16) uint8_t ranges[2][kChunk + 32];
+  alignas(16) int16_t classes[2][kChunk + 32];
   for (int32_t y = 0; y < height; y += 2) {
     const int32_t y1 = y + 1 < height ? y + 1 : y;
     const int32_t rowCount = y1 != y ? 2 : 1;
@@ -95,13 +158,21 @@ void SrEnhancedPlane(const uint8_t* src, int32_t srcStride, int32_t width, int32
         }
       }
       const int32_t end = c0 + kChunk < width ? c0 + kChunk : width;
+      // Classes in runs of eight where the neighbours lie inside the row;
+      // -1 leaves a pixel to the scalar classification.
+      for (int32_t r = 0; r < rowCount; ++r) {
+        int32_t x = c0;
+        for (; x < end && (x == 0 || x + 9 > width); ++x) classes[r][x - c0] = -1;
+        for (; x + 8 <= end && x + 9 <= width; x += 8) Classes8(rows[r], x, classes[r] + (x - c0));
+        for (; x < end; ++x) classes[r][x - c0] = -1;
+      }
       for (int32_t x = c0; x < end; x += 2) {
         const int32_t i = x - c0, i1 = x + 1 < width ? i + 1 : i;
         const bool flat = ranges[0][i] < kSrFlatRange && ranges[0][i1] < kSrFlatRange && ranges[1][i] < kSrFlatRange &&
                           ranges[1][i1] < kSrFlatRange;
         for (int32_t r = 0; r < rowCount; ++r) {
           for (int32_t px = x; px < x + 2 && px < width; ++px) {
-            BlockPixel(rows[r], px, width, flat, filters.valid, out[r][0], out[r][1],
+            BlockPixel(rows[r], px, width, flat, filters.valid, out[r][0], out[r][1], classes[r][px - c0],
                        [&](const uint8_t* p, int32_t cls) {
                          TrainedPixel<D>(p, filters.byTap + static_cast<size_t>(cls) * kSrTaps * kSrPositions,
                                          out[r][0], out[r][1], px);
