@@ -37,6 +37,7 @@ struct SrEnhancedKernels {
 SrEnhancedPlaneKernel SrEnhancedPlane_c;
 
 LUMAFORGE_KERNEL_LEVEL(sse2, SrEnhancedKernels)
+LUMAFORGE_KERNEL_LEVEL(avx2, SrEnhancedKernels)
 
 void InitSrEnhancedKernels(SrEnhancedKernels* kernels, uint32_t cpuFeatures);
 

@@ -44,9 +44,7 @@ void SrEnhancedPlane_c(const uint8_t* src, int32_t srcStride, int32_t width, int
 
 void InitSrEnhancedKernels(SrEnhancedKernels* kernels, uint32_t cpuFeatures) {
   kernels->plane = SrEnhancedPlane_c;
-  // The 256-bit form of the trained sums measured no faster: classification,
-  // still scalar, dominates.
-  ClimbLadder(kernels, cpuFeatures, {{kCpuSSE2, sse2::Install}});
+  ClimbLadder(kernels, cpuFeatures, {{kCpuSSE2, sse2::Install}, {kCpuAVX2, avx2::Install}});
 }
 
 }  // namespace Lumaforge

@@ -34,6 +34,21 @@ struct Doubles128 {
   }
 };
 
+#if defined(__AVX2__)
+struct Doubles256 {
+  __m256d v;
+  static Doubles256 Zero() { return {_mm256_setzero_pd()}; }
+  static Doubles256 Load(const double* p) { return {_mm256_loadu_pd(p)}; }
+  static Doubles256 MulAdd(Doubles256 acc, double p, Doubles256 w) {
+    return {_mm256_add_pd(acc.v, _mm256_mul_pd(_mm256_set1_pd(p), w.v))};
+  }
+  static void ToBytes(Doubles256 v, int32_t out[4]) {
+    const __m256d held = _mm256_min_pd(_mm256_max_pd(v.v, _mm256_setzero_pd()), _mm256_set1_pd(255.0));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm256_cvttpd_epi32(held));
+  }
+};
+#endif
+
 // 3x3 ranges (max - min) of pixels x .. x + 15 of `rows`, which must have
 // columns x - 1 .. x + 16.
 inline void Ranges16(const RowTriple& rows, int32_t x, uint8_t* ranges) {
@@ -122,10 +137,73 @@ inline void Classes8(const RowTriple& rows, int32_t x, int16_t* classes) {
   }
 }
 
+#if defined(__AVX2__)
+// Classes8 at sixteen pixels (columns x - 1 .. x + 16 must exist).
+inline void Classes16(const RowTriple& rows, int32_t x, int16_t* classes) {
+  const __m256i zero = _mm256_setzero_si256();
+  __m256i v[kSrTaps];
+  int32_t k = 0;
+  for (const uint8_t* row : {rows.above, rows.row, rows.below}) {
+    for (int32_t dx = -1; dx <= 1; ++dx)
+      v[k++] = _mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(row + x + dx)));
+  }
+  __m256i lo = v[0], hi = v[0], sum = zero, squaresLo = zero, squaresHi = zero;
+  for (k = 0; k < kSrTaps; ++k) {
+    lo = _mm256_min_epi16(lo, v[k]);
+    hi = _mm256_max_epi16(hi, v[k]);
+    sum = _mm256_add_epi16(sum, v[k]);
+    const __m256i square = _mm256_mullo_epi16(v[k], v[k]);
+    squaresLo = _mm256_add_epi32(squaresLo, _mm256_unpacklo_epi16(square, zero));
+    squaresHi = _mm256_add_epi32(squaresHi, _mm256_unpackhi_epi16(square, zero));
+  }
+  const __m256i threshold = _mm256_srli_epi16(_mm256_add_epi16(lo, hi), 1);
+  __m256i pattern = zero;
+  for (k = 0; k < kSrTaps; ++k)
+    pattern =
+        _mm256_or_si256(pattern, _mm256_and_si256(_mm256_cmpgt_epi16(v[k], threshold), _mm256_set1_epi16(1 << k)));
+  const __m256i flat = _mm256_cmpgt_epi16(_mm256_set1_epi16(kSrFlatRange), _mm256_sub_epi16(hi, lo));
+  // The unpacks work within 128-bit lanes: pixels 0-3, 8-11 in the low
+  // halves and 4-7, 12-15 in the high ones; put them back in pixel order.
+  alignas(32) int32_t lowHalves[8], highHalves[8], sums[16], squares[16];
+  _mm256_store_si256(reinterpret_cast<__m256i*>(lowHalves), _mm256_unpacklo_epi16(sum, zero));
+  _mm256_store_si256(reinterpret_cast<__m256i*>(highHalves), _mm256_unpackhi_epi16(sum, zero));
+  for (int32_t i = 0; i < 4; ++i) {
+    sums[i] = lowHalves[i], sums[4 + i] = highHalves[i], sums[8 + i] = lowHalves[4 + i],
+    sums[12 + i] = highHalves[4 + i];
+  }
+  _mm256_store_si256(reinterpret_cast<__m256i*>(lowHalves), squaresLo);
+  _mm256_store_si256(reinterpret_cast<__m256i*>(highHalves), squaresHi);
+  for (int32_t i = 0; i < 4; ++i) {
+    squares[i] = lowHalves[i], squares[4 + i] = highHalves[i], squares[8 + i] = lowHalves[4 + i],
+    squares[12 + i] = highHalves[4 + i];
+  }
+  alignas(16) int32_t index[16];
+  const __m256d nine = _mm256_set1_pd(9.0), scale = _mm256_set1_pd(255.0), range = _mm256_set1_pd(16244.0);
+  for (int32_t i = 0; i < 16; i += 4) {
+    const __m256d mean =
+        _mm256_div_pd(_mm256_cvtepi32_pd(_mm_load_si128(reinterpret_cast<const __m128i*>(sums + i))), nine);
+    const __m256d meanOfSquares =
+        _mm256_div_pd(_mm256_cvtepi32_pd(_mm_load_si128(reinterpret_cast<const __m128i*>(squares + i))), nine);
+    const __m256d variance = _mm256_sub_pd(meanOfSquares, _mm256_mul_pd(mean, mean));
+    const __m256d scaled = _mm256_max_pd(_mm256_div_pd(_mm256_mul_pd(variance, scale), range), _mm256_setzero_pd());
+    _mm_store_si128(reinterpret_cast<__m128i*>(index + i), _mm256_cvttpd_epi32(scaled));
+  }
+  alignas(32) int16_t patterns[16], flats[16];
+  _mm256_store_si256(reinterpret_cast<__m256i*>(patterns), pattern);
+  _mm256_store_si256(reinterpret_cast<__m256i*>(flats), flat);
+  const uint8_t* level = LevelOfIndex();
+  for (int32_t i = 0; i < 16; ++i) {
+    classes[i] = static_cast<int16_t>(flats[i] ? kSrFlatClass
+                                               : patterns[i] * kSrLevels + level[index[i] < 255 ? index[i] : 255]);
+  }
+}
+#endif
+
 // Columns per pass: the ranges of one pass live on the stack.
 constexpr int32_t kChunk = 256;
 
-template <typename D>
+// kWide: classes sixteen pixels at a time (AVX2) before eight.
+template <typename D, bool kWide>
 void SrEnhancedPlane(const uint8_t* src, int32_t srcStride, int32_t width, int32_t height, uint8_t* dst,
                      int32_t dstStride, const SrTrainedFilters& filters) {
   alignas(16) uint8_t ranges[2][kChunk + 32];
@@ -163,6 +241,9 @@ void SrEnhancedPlane(const uint8_t* src, int32_t srcStride, int32_t width, int32
       for (int32_t r = 0; r < rowCount; ++r) {
         int32_t x = c0;
         for (; x < end && (x == 0 || x + 9 > width); ++x) classes[r][x - c0] = -1;
+#if defined(__AVX2__)
+        for (; kWide && x + 16 <= end && x + 17 <= width; x += 16) Classes16(rows[r], x, classes[r] + (x - c0));
+#endif
         for (; x + 8 <= end && x + 9 <= width; x += 8) Classes8(rows[r], x, classes[r] + (x - c0));
         for (; x < end; ++x) classes[r][x - c0] = -1;
       }

@@ -2,6 +2,6 @@
 
 namespace Lumaforge::sse2 {
 
-void Install(SrEnhancedKernels* kernels) { kernels->plane = x86::SrEnhancedPlane<x86::Doubles128>; }
+void Install(SrEnhancedKernels* kernels) { kernels->plane = x86::SrEnhancedPlane<x86::Doubles128, false>; }
 
 }  // namespace Lumaforge::sse2
