@@ -22,20 +22,23 @@ void SrEnhancedPlane_c(const uint8_t* src, int32_t srcStride, int32_t width, int
       const bool flat = FlatBlock(rows[0], rows[1], x, width);
       for (int32_t r = 0; r < (y1 != y ? 2 : 1); ++r) {
         for (int32_t px = x; px < x + 2 && px < width; ++px) {
-          BlockPixel(rows[r], px, width, flat, filters.valid, out[r][0], out[r][1], -1,
-                     [&](const uint8_t* p, int32_t cls) {
-                       uint8_t block[kSrPositions];
-                       for (int32_t n = 0; n < kSrPositions; ++n) {
-                         const double* w = filters.table + SrWeightIndex(cls, n, 0);
-                         double sum = 0.0;
-                         for (int32_t k = 0; k < kSrTaps; ++k) sum += p[k] * w[k];
-                         block[n] = SrClampToByte(sum);
-                       }
-                       out[r][0][2 * px] = block[0];
-                       out[r][0][2 * px + 1] = block[1];
-                       out[r][1][2 * px] = block[2];
-                       out[r][1][2 * px + 1] = block[3];
-                     });
+          uint8_t p[kSrTaps];
+          const int32_t cls = TrainedClass(rows[r], px, width, flat, filters.valid, -1, p);
+          if (cls < 0) {
+            PlainPixel(rows[r], px, width, out[r][0], out[r][1]);
+            continue;
+          }
+          uint8_t block[kSrPositions];
+          for (int32_t n = 0; n < kSrPositions; ++n) {
+            const double* w = filters.table + SrWeightIndex(cls, n, 0);
+            double sum = 0.0;
+            for (int32_t k = 0; k < kSrTaps; ++k) sum += p[k] * w[k];
+            block[n] = SrClampToByte(sum);
+          }
+          out[r][0][2 * px] = block[0];
+          out[r][0][2 * px + 1] = block[1];
+          out[r][1][2 * px] = block[2];
+          out[r][1][2 * px + 1] = block[3];
         }
       }
     }

@@ -66,23 +66,16 @@ inline bool FlatBlock(const RowTriple& top, const RowTriple& bottom, int32_t x, 
          RangeAt(bottom, x, width) < kSrFlatRange && RangeAt(bottom, x1, width) < kSrFlatRange;
 }
 
-// One source pixel of a block: the plain formula when the block is flat, at
-// the first or last column, or when its class has no trained filter; else
-// `trained(p, cls, out0, out1)` writes the block from the neighbourhood.
-// `known` is the pixel's class when the caller has it, else -1.
-template <typename Trained>
-inline void BlockPixel(const RowTriple& rows, int32_t x, int32_t width, bool flat, const uint8_t* valid, uint8_t* out0,
-                       uint8_t* out1, int32_t known, Trained&& trained) {
-  if (!flat && x != 0 && x != width - 1) {
-    uint8_t p[kSrTaps];
-    Neighbourhood(rows, x, p);
-    const int32_t cls = known >= 0 ? known : SrClass(p);
-    if (valid[cls]) {
-      trained(p, cls);
-      return;
-    }
-  }
-  PlainPixel(rows, x, width, out0, out1);
+// The class of pixel x when it takes a trained filter, with its
+// neighbourhood in `p`; -1 when it takes the plain formula: the block is
+// flat, the pixel is in the first or last column, or the file has no filter
+// for its class. `known` is the pixel's class when the caller has it, else -1.
+inline int32_t TrainedClass(const RowTriple& rows, int32_t x, int32_t width, bool flat, const uint8_t* valid,
+                            int32_t known, uint8_t p[kSrTaps]) {
+  if (flat || x == 0 || x == width - 1) return -1;
+  Neighbourhood(rows, x, p);
+  const int32_t cls = known >= 0 ? known : SrClass(p);
+  return valid[cls] ? cls : -1;
 }
 
 }  // namespace Lumaforge::sr_enhanced

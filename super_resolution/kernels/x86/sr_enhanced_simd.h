@@ -199,6 +199,23 @@ inline void Classes16(const RowTriple& rows, int32_t x, int16_t* classes) {
 }
 #endif
 
+// The plain formula for pixels x .. x + 7 (columns x - 1 .. x + 8 must
+// exist) into both output rows, in 16-bit lanes.
+inline void PlainRun8(const RowTriple& rows, int32_t x, uint8_t* out0, uint8_t* out1) {
+  const __m128i zero = _mm_setzero_si128(), two = _mm_set1_epi16(2);
+  auto load = [&](const uint8_t* row, int32_t dx) {
+    return _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(row + x + dx)), zero);
+  };
+  const __m128i c2 = _mm_add_epi16(_mm_slli_epi16(load(rows.row, 0), 1), two);
+  const __m128i t = load(rows.above, 0), b = load(rows.below, 0), l = load(rows.row, -1), r = load(rows.row, 1);
+  auto position = [&](__m128i vertical, __m128i side) {
+    const __m128i v = _mm_srli_epi16(_mm_add_epi16(_mm_add_epi16(c2, vertical), side), 2);
+    return _mm_packus_epi16(v, v);
+  };
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(out0 + 2 * x), _mm_unpacklo_epi8(position(t, l), position(t, r)));
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(out1 + 2 * x), _mm_unpacklo_epi8(position(b, l), position(b, r)));
+}
+
 // Columns per pass: the ranges of one pass live on the stack.
 constexpr int32_t kChunk = 256;
 
@@ -239,7 +256,13 @@ void SrEnhancedPlane(const uint8_t* src, int32_t srcStride, int32_t width, int32
       // Classes in runs of eight where the neighbours lie inside the row;
       // -1 leaves a pixel to the scalar classification.
       for (int32_t r = 0; r < rowCount; ++r) {
+        // Every pixel first gets the plain formula; trained ones are
+        // written over it below.
         int32_t x = c0;
+        for (; x < end && (x == 0 || x + 9 > width); ++x) PlainPixel(rows[r], x, width, out[r][0], out[r][1]);
+        for (; x + 8 <= end && x + 9 <= width; x += 8) PlainRun8(rows[r], x, out[r][0], out[r][1]);
+        for (; x < end; ++x) PlainPixel(rows[r], x, width, out[r][0], out[r][1]);
+        x = c0;
         for (; x < end && (x == 0 || x + 9 > width); ++x) classes[r][x - c0] = -1;
 #if defined(__AVX2__)
         for (; kWide && x + 16 <= end && x + 17 <= width; x += 16) Classes16(rows[r], x, classes[r] + (x - c0));
@@ -253,11 +276,12 @@ void SrEnhancedPlane(const uint8_t* src, int32_t srcStride, int32_t width, int32
                           ranges[1][i1] < kSrFlatRange;
         for (int32_t r = 0; r < rowCount; ++r) {
           for (int32_t px = x; px < x + 2 && px < width; ++px) {
-            BlockPixel(rows[r], px, width, flat, filters.valid, out[r][0], out[r][1], classes[r][px - c0],
-                       [&](const uint8_t* p, int32_t cls) {
-                         TrainedPixel<D>(p, filters.byTap + static_cast<size_t>(cls) * kSrTaps * kSrPositions,
-                                         out[r][0], out[r][1], px);
-                       });
+            uint8_t p[kSrTaps];
+            const int32_t cls = TrainedClass(rows[r], px, width, flat, filters.valid, classes[r][px - c0], p);
+            if (cls >= 0) {
+              TrainedPixel<D>(p, filters.byTap + static_cast<size_t>(cls) * kSrTaps * kSrPositions, out[r][0],
+                              out[r][1], px);
+            }
           }
         }
       }
