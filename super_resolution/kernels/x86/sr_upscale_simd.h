@@ -213,7 +213,9 @@ inline void VerticalPairs15(int32_t X, int32_t Y, int32_t width, int32_t height,
   }
 }
 
-template <typename TapsAt>
+// kWide: sixteen outputs down the columns at a time (AVX2) where one set of
+// taps serves them.
+template <bool kWide, typename TapsAt>
 void Separable15(const uint8_t* src, int32_t srcStride, int32_t width, int32_t height, uint8_t* dst, int32_t dstStride,
                  int16_t* scratch, const TapsAt& tapsAt) {
   const int32_t outWidth = 3 * width / 2, outHeight = 3 * height / 2;
@@ -244,6 +246,15 @@ void Separable15(const uint8_t* src, int32_t srcStride, int32_t width, int32_t h
     FirstPassRows15(scratch, Y, outWidth, height, rows);
     uint8_t* out = dst + static_cast<ptrdiff_t>(Y) * dstStride;
     int32_t X = 0;
+#if defined(__AVX2__)
+    // Sixteen outputs at once where they share their taps.
+    while (kWide && X + 16 <= outWidth) {
+      const sr_taps::Taps6 taps = VerticalTaps15(X, Y, width, height, tapsAt);
+      if (taps != VerticalTaps15(X + 15, Y, width, height, tapsAt)) break;
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(out + X), Vertical16(rows, X, taps.data()));
+      X += 16;
+    }
+#endif
     for (; X + 8 <= outWidth; X += 8) {
       __m128i pairs[3][2];
       VerticalPairs15(X, Y, width, height, tapsAt, pairs);
@@ -261,14 +272,16 @@ void Separable15(const uint8_t* src, int32_t srcStride, int32_t width, int32_t h
   }
 }
 
-inline void SrStandard15(const uint8_t* src, int32_t srcStride, int32_t width, int32_t height, uint8_t* dst,
-                         int32_t dstStride, const SrQpMap& qp, int32_t strength, int32_t /*chroma*/, int16_t* scratch) {
-  Separable15(src, srcStride, width, height, dst, dstStride, scratch, StandardTaps15{qp, strength});
+template <bool kWide>
+void SrStandard15(const uint8_t* src, int32_t srcStride, int32_t width, int32_t height, uint8_t* dst, int32_t dstStride,
+                  const SrQpMap& qp, int32_t strength, int32_t /*chroma*/, int16_t* scratch) {
+  Separable15<kWide>(src, srcStride, width, height, dst, dstStride, scratch, StandardTaps15{qp, strength});
 }
 
-inline void SrAlternative15(const uint8_t* src, int32_t srcStride, int32_t width, int32_t height, uint8_t* dst,
-                            int32_t dstStride, int16_t* scratch) {
-  Separable15(src, srcStride, width, height, dst, dstStride, scratch, AlternativeTaps15{});
+template <bool kWide>
+void SrAlternative15(const uint8_t* src, int32_t srcStride, int32_t width, int32_t height, uint8_t* dst,
+                     int32_t dstStride, int16_t* scratch) {
+  Separable15<kWide>(src, srcStride, width, height, dst, dstStride, scratch, AlternativeTaps15{});
 }
 
 #if defined(__SSE4_1__)
