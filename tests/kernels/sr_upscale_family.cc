@@ -5,6 +5,7 @@
 // The previous frame is a plane of its own pattern: equal to the current one
 // for the constant patterns (every sample blended), near it now and then for
 // random ones.
+#include <functional>
 #include <vector>
 
 #include "super_resolution/kernels/sr_upscale.h"
@@ -34,11 +35,24 @@ std::vector<uint8_t> QpList(const Shape& s, int32_t shift) {
 
 std::vector<int16_t> Scratch(const Shape& s) { return std::vector<int16_t>(SrScratchValues(s.width, s.height) + 16); }
 
-KernelEntry<Table> Standard2xEntry(const char* name, bool chroma, bool withPrevious) {
+// Heights past a few row pairs; timed at the filter's 640x360.
+ShapeRules PlaneRules() {
   ShapeRules rules;
   rules.maxHeight = 9;
   rules.benchWidth = 640;
   rules.benchHeight = 360;
+  return rules;
+}
+
+// A source plane of the shape and an output `num` / `den` times its size.
+std::function<void(const Shape&, Buffers&)> SourceAndOutput(int32_t num, int32_t den) {
+  return [=](const Shape& s, Buffers& b) {
+    b.AddInput("src", s.width, s.height);
+    b.AddOutput("dst", num * s.width / den, num * s.height / den);
+  };
+}
+
+KernelEntry<Table> Standard2xEntry(const char* name, bool chroma, bool withPrevious) {
   return Entry<Table, SrStandard2xKernel*>(
       name, &Table::standard2x,
       [=](const Shape& s, Buffers& b) {
@@ -55,20 +69,12 @@ KernelEntry<Table> Standard2xEntry(const char* name, bool chroma, bool withPrevi
                SrQpMap{qp.data(), (s.width >> shift) + 1, shift}, withPrevious ? b[1].Row(0) : nullptr,
                withPrevious ? b[1].Stride() : 0, chroma ? 4 : 1, StandardTable(), scratch.data());
       },
-      rules);
+      PlaneRules());
 }
 
 KernelEntry<Table> Standard15Entry(const char* name, bool chroma, int32_t strength) {
-  ShapeRules rules;
-  rules.maxHeight = 9;
-  rules.benchWidth = 640;
-  rules.benchHeight = 360;
   return Entry<Table, SrScale15Kernel*>(
-      name, &Table::standard15,
-      [](const Shape& s, Buffers& b) {
-        b.AddInput("src", s.width, s.height);
-        b.AddOutput("dst", 3 * s.width / 2, 3 * s.height / 2);
-      },
+      name, &Table::standard15, SourceAndOutput(3, 2),
       [=](SrScale15Kernel* kernel, Buffers& b) {
         const Shape& s = b.GetShape();
         const int32_t shift = chroma ? 3 : 4;
@@ -77,48 +83,32 @@ KernelEntry<Table> Standard15Entry(const char* name, bool chroma, int32_t streng
         kernel(b[0].Row(0), b[0].Stride(), s.width, s.height, b[1].Row(0), b[1].Stride(),
                SrQpMap{qp.data(), (s.width >> shift) + 1, shift}, strength, chroma, scratch.data());
       },
-      rules);
+      PlaneRules());
 }
 
 KernelEntry<Table> Alternative15Entry() {
-  ShapeRules rules;
-  rules.maxHeight = 9;
-  rules.benchWidth = 640;
-  rules.benchHeight = 360;
   return Entry<Table, SrAlternative15Kernel*>(
-      "alternative15", &Table::alternative15,
-      [](const Shape& s, Buffers& b) {
-        b.AddInput("src", s.width, s.height);
-        b.AddOutput("dst", 3 * s.width / 2, 3 * s.height / 2);
-      },
+      "alternative15", &Table::alternative15, SourceAndOutput(3, 2),
       [](SrAlternative15Kernel* kernel, Buffers& b) {
         const Shape& s = b.GetShape();
         std::vector<int16_t> scratch = Scratch(s);
         kernel(b[0].Row(0), b[0].Stride(), s.width, s.height, b[1].Row(0), b[1].Stride(), scratch.data());
       },
-      rules);
+      PlaneRules());
 }
 
 // The settings no frame reaches in the filter: luma (gain 22, coring 16)
 // and chroma (gain 22, coring 64, last plane).
 KernelEntry<Table> TwoPassEntry(const char* name, int32_t threshold, int32_t last) {
-  ShapeRules rules;
-  rules.maxHeight = 9;
-  rules.benchWidth = 640;
-  rules.benchHeight = 360;
   return Entry<Table, SrTwoPassKernel*>(
-      name, &Table::twoPass,
-      [](const Shape& s, Buffers& b) {
-        b.AddInput("src", s.width, s.height);
-        b.AddOutput("dst", 2 * s.width, 2 * s.height);
-      },
+      name, &Table::twoPass, SourceAndOutput(2, 1),
       [=](SrTwoPassKernel* kernel, Buffers& b) {
         const Shape& s = b.GetShape();
         std::vector<int16_t> scratch = Scratch(s);
         kernel(b[0].Row(0), b[0].Stride(), s.width, s.height, b[1].Row(0), b[1].Stride(), 22, threshold, last,
                scratch.data());
       },
-      rules);
+      PlaneRules());
 }
 
 const FamilyRegistration<Table> kRegistration{
