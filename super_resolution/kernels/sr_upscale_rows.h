@@ -82,8 +82,9 @@ inline sr_taps::Taps6 Taps15(int32_t phase, int32_t sharpness) {
 
 // Sharpness of a 1.5x output. Sources reduced by 2/3 are blurred by the
 // reduction itself, so the kernels go past the sharp end (sharpness above
-// 256 extrapolates the blend): 400 measured best on held-out photographs,
-// and more would let the first pass leave 16 bits. The quantiser scales it
+// 256 extrapolates the blend). On the training photographs 400 beats cubic
+// interpolation on every picture and is within 0.03 dB of the best mean;
+// much more would let the first pass leave 16 bits. The quantiser scales it
 // down as for 2x; `level` 1..3 (luma) all take the full amount, 4 (chroma)
 // about half, as colour edges are softer to begin with. Both phases a sixth
 // from a sample and the midway phase take the same sharpness.
