@@ -16,7 +16,7 @@ constexpr uint32_t kSuperResolutionFormats[] = {LF_I420};
 
 }  // namespace
 
-CSuperResolution::CSuperResolution(uint32_t cpuFeatures) : m_uCpuFeatures(cpuFeatures) {
+CSuperResolution::CSuperResolution(uint32_t cpuFeatures) {
   SetName("SR");
   CreateLogger();
   InitSrEnhancedKernels(&m_enhanced, cpuFeatures);

@@ -56,7 +56,6 @@ class CSuperResolution : public CLumaforgeFramework {
   void ScalePlanes(const VideoPicture& input, const uint8_t* qp, int32_t qpStride);
   void FreeAll();
 
-  uint32_t m_uCpuFeatures;
   bool m_bCallerBuffers = false;
   bool m_bAlternative15 = false;
   bool m_bEnhanced = false;

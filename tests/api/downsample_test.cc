@@ -48,14 +48,7 @@ class StridedI420 {
   }
   StridedI420(const StridedI420&) = delete;
   StridedI420& operator=(const StridedI420&) = delete;
-  void FillRandom(uint32_t seed) {
-    for (auto& plane : memory_) {
-      for (uint8_t& byte : plane) {
-        seed = seed * 1664525u + 1013904223u;
-        byte = static_cast<uint8_t>(seed >> 24);
-      }
-    }
-  }
+  void FillRandom(uint32_t seed) { FillPlanesRandom(memory_, seed); }
   // The visible rows of every plane.
   std::vector<uint8_t> Rows() const {
     std::vector<uint8_t> bytes;

@@ -17,6 +17,16 @@ inline PlaneLayout GeometryOf(uint32_t code, uint32_t w, uint32_t h) {
   return LayoutOf(code, FormatReading::kConversion, w, h);
 }
 
+// Fills every byte of `planes` from one linear congruential sequence.
+inline void FillPlanesRandom(std::vector<uint8_t> (&planes)[3], uint32_t seed) {
+  for (auto& plane : planes) {
+    for (uint8_t& byte : plane) {
+      seed = seed * 1664525u + 1013904223u;
+      byte = static_cast<uint8_t>(seed >> 24);
+    }
+  }
+}
+
 // A picture with its own memory; strides padded by `pad` bytes per row.
 class OwnedPicture {
  public:
@@ -34,14 +44,7 @@ class OwnedPicture {
   OwnedPicture(const OwnedPicture&) = delete;
   OwnedPicture& operator=(const OwnedPicture&) = delete;
 
-  void FillRandom(uint32_t seed) {
-    for (auto& plane : memory) {
-      for (uint8_t& byte : plane) {
-        seed = seed * 1664525u + 1013904223u;
-        byte = static_cast<uint8_t>(seed >> 24);
-      }
-    }
-  }
+  void FillRandom(uint32_t seed) { FillPlanesRandom(memory, seed); }
   void Fill(uint8_t value) {
     for (auto& plane : memory) plane.assign(plane.size(), value);
   }
