@@ -24,12 +24,15 @@ inline constexpr int32_t kSrWeightsPerPosition = 10;
 // Neighbourhoods whose max - min stays below this are flat.
 inline constexpr int32_t kSrFlatRange = 16;
 
-// The variance level (0..15) of a variance index 0..255: finer steps for
-// the low variances most pixels have.
+// The last variance index of each level: finer steps for the low variances
+// most pixels have.
+inline constexpr uint8_t kSrLastIndexOfLevel[kSrLevels] = {1,  2,  3,  4,  6,   8,   10,  15,
+                                                           25, 35, 50, 75, 100, 150, 200, 255};
+
+// The variance level (0..15) of a variance index 0..255.
 inline int32_t SrVarianceLevel(int32_t index) {
-  constexpr uint8_t kLastIndexOfLevel[kSrLevels] = {1, 2, 3, 4, 6, 8, 10, 15, 25, 35, 50, 75, 100, 150, 200, 255};
   int32_t level = 0;
-  while (index > kLastIndexOfLevel[level]) ++level;
+  while (index > kSrLastIndexOfLevel[level]) ++level;
   return level;
 }
 
@@ -43,6 +46,23 @@ inline int32_t SrVarianceIndex(int32_t sum, int32_t sumOfSquares) {
   // Truncation toward zero; rounding can leave a flat variance a hair below 0.
   const auto index = static_cast<int32_t>(scaled > 0 ? scaled : 0);
   return index < 255 ? index : 255;
+}
+
+// The same level in integers, for vector code. With n = 9 sumOfSquares -
+// sum^2 (81 times the variance, exact and never negative), index >= i + 1
+// exactly when n * 255 >= (i + 1) * 81 * 16244. The double formula lands on
+// the same side of every level boundary: n * 255 never equals a boundary
+// (85 would have to divide i + 1, and no i + 1 here is a multiple of 85), so
+// the two sides are at least 1 / 1315764 apart in index units, far beyond
+// the doubles' rounding. n * 255 stays below 2^31.
+inline constexpr int32_t kSrLevelStep = 81 * 16244;
+inline int32_t SrLevelBoundary(int32_t level) { return (kSrLastIndexOfLevel[level] + 1) * kSrLevelStep; }
+
+inline int32_t SrVarianceLevelOfMoments(int32_t sum, int32_t sumOfSquares) {
+  const int32_t scaled = (9 * sumOfSquares - sum * sum) * 255;
+  int32_t level = 0;
+  while (level < kSrLevels - 1 && scaled >= SrLevelBoundary(level)) ++level;
+  return level;
 }
 
 // The class (0..8192) of neighbourhood p[0..8].

@@ -23,7 +23,7 @@ void SrEnhancedPlane_c(const uint8_t* src, int32_t srcStride, int32_t width, int
       for (int32_t r = 0; r < (y1 != y ? 2 : 1); ++r) {
         for (int32_t px = x; px < x + 2 && px < width; ++px) {
           uint8_t p[kSrTaps];
-          const int32_t cls = TrainedClass(rows[r], px, width, flat, filters.valid, -1, p);
+          const int32_t cls = TrainedClass(rows[r], px, width, flat, filters.valid, p);
           if (cls < 0) {
             PlainPixel(rows[r], px, width, out[r][0], out[r][1]);
             continue;

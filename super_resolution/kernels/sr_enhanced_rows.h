@@ -69,12 +69,12 @@ inline bool FlatBlock(const RowTriple& top, const RowTriple& bottom, int32_t x, 
 // The class of pixel x when it takes a trained filter, with its
 // neighbourhood in `p`; -1 when it takes the plain formula: the block is
 // flat, the pixel is in the first or last column, or the file has no filter
-// for its class. `known` is the pixel's class when the caller has it, else -1.
+// for its class.
 inline int32_t TrainedClass(const RowTriple& rows, int32_t x, int32_t width, bool flat, const uint8_t* valid,
-                            int32_t known, uint8_t p[kSrTaps]) {
+                            uint8_t p[kSrTaps]) {
   if (flat || x == 0 || x == width - 1) return -1;
   Neighbourhood(rows, x, p);
-  const int32_t cls = known >= 0 ? known : SrClass(p);
+  const int32_t cls = SrClass(p);
   return valid[cls] ? cls : -1;
 }
 

@@ -1,12 +1,15 @@
 // Vector form of the enhanced 2x kernel, written once over a double-lane
-// trait: the 3x3 ranges of 16 pixels at a time with byte min/max (the
-// flatness test), and each trained pixel's four positions as four double
-// lanes, summed k = 0..8 in the plain routine's order so every lane lands on
-// the plain routine's bits. Classification stays scalar per pixel.
+// trait: the classes (which also answer the flatness test) of eight or
+// sixteen pixels at a time, and each trained pixel's four positions as four
+// double lanes, summed k = 0..8 in the plain routine's order so every lane
+// lands on the plain routine's bits. The trained pixels of a chunk are
+// listed, then filtered four at a time.
 #ifndef LUMAFORGE_SUPER_RESOLUTION_KERNELS_X86_SR_ENHANCED_SIMD_H_
 #define LUMAFORGE_SUPER_RESOLUTION_KERNELS_X86_SR_ENHANCED_SIMD_H_
 
 #include <immintrin.h>
+
+#include <cstring>
 
 #include "super_resolution/kernels/sr_enhanced.h"
 #include "super_resolution/kernels/sr_enhanced_rows.h"
@@ -16,21 +19,28 @@ namespace {
 
 using namespace sr_enhanced;
 
+// Four 32-bit lanes holding 0..255 as four bytes, lane 0 lowest.
+inline uint32_t PackBytes(__m128i v) {
+  const __m128i words = _mm_packs_epi32(v, v);
+  return static_cast<uint32_t>(_mm_cvtsi128_si32(_mm_packus_epi16(words, words)));
+}
+
 // Four doubles: two SSE2 registers.
 struct Doubles128 {
   __m128d lo, hi;
   static Doubles128 Zero() { return {_mm_setzero_pd(), _mm_setzero_pd()}; }
   static Doubles128 Load(const double* p) { return {_mm_loadu_pd(p), _mm_loadu_pd(p + 2)}; }
-  static Doubles128 MulAdd(Doubles128 acc, double p, Doubles128 w) {
-    const __m128d s = _mm_set1_pd(p);
+  static Doubles128 MulAdd(Doubles128 acc, const double* p, Doubles128 w) {
+    const __m128d s = _mm_load1_pd(p);
     return {_mm_add_pd(acc.lo, _mm_mul_pd(s, w.lo)), _mm_add_pd(acc.hi, _mm_mul_pd(s, w.hi))};
   }
-  // Held to 0..255 (NaN to 0) and truncated, as SrClampToByte.
-  static void ToBytes(Doubles128 v, int32_t out[4]) {
+  // Held to 0..255 (NaN to 0) and truncated, as SrClampToByte; the four
+  // bytes in position order.
+  static uint32_t ToBytes(Doubles128 v) {
     const __m128d zero = _mm_setzero_pd(), top = _mm_set1_pd(255.0);
     const __m128i lo = _mm_cvttpd_epi32(_mm_min_pd(_mm_max_pd(v.lo, zero), top));
     const __m128i hi = _mm_cvttpd_epi32(_mm_min_pd(_mm_max_pd(v.hi, zero), top));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm_unpacklo_epi64(lo, hi));
+    return PackBytes(_mm_unpacklo_epi64(lo, hi));
   }
 };
 
@@ -39,57 +49,87 @@ struct Doubles256 {
   __m256d v;
   static Doubles256 Zero() { return {_mm256_setzero_pd()}; }
   static Doubles256 Load(const double* p) { return {_mm256_loadu_pd(p)}; }
-  static Doubles256 MulAdd(Doubles256 acc, double p, Doubles256 w) {
-    return {_mm256_add_pd(acc.v, _mm256_mul_pd(_mm256_set1_pd(p), w.v))};
+  static Doubles256 MulAdd(Doubles256 acc, const double* p, Doubles256 w) {
+    return {_mm256_add_pd(acc.v, _mm256_mul_pd(_mm256_broadcast_sd(p), w.v))};
   }
-  static void ToBytes(Doubles256 v, int32_t out[4]) {
+  static uint32_t ToBytes(Doubles256 v) {
     const __m256d held = _mm256_min_pd(_mm256_max_pd(v.v, _mm256_setzero_pd()), _mm256_set1_pd(255.0));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm256_cvttpd_epi32(held));
+    return PackBytes(_mm256_cvttpd_epi32(held));
   }
 };
 #endif
 
-// 3x3 ranges (max - min) of pixels x .. x + 15 of `rows`, which must have
-// columns x - 1 .. x + 16.
-inline void Ranges16(const RowTriple& rows, int32_t x, uint8_t* ranges) {
-  __m128i lo = _mm_set1_epi8(-1), hi = _mm_setzero_si128();
-  for (const uint8_t* row : {rows.above, rows.row, rows.below}) {
-    for (int32_t dx = -1; dx <= 1; ++dx) {
-      const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(row + x + dx));
-      lo = _mm_min_epu8(lo, v);
-      hi = _mm_max_epu8(hi, v);
-    }
+// Every byte value as a double: a tap is broadcast straight from memory
+// instead of converted in a register.
+struct ByteDoubles {
+  double value[256];
+};
+inline constexpr ByteDoubles kByteDoubles = [] {
+  ByteDoubles t{};
+  for (int32_t i = 0; i < 256; ++i) t.value[i] = i;
+  return t;
+}();
+
+// A trained pixel waiting for its filter: its row of the pair, its column
+// and its class.
+struct TrainedEntry {
+  int32_t row, x, cls;
+};
+
+// Trained pixels four at a time: four independent sums in flight, each
+// still taken k = 0..8 in order, so the adds' latency overlaps.
+template <typename D, int32_t kCount>
+void TrainedPixels(const TrainedEntry* entries, const RowTriple rows[2], uint8_t* const out[2][2],
+                   const double* byTap) {
+  uint8_t p[kCount][kSrTaps];
+  const double* w[kCount];
+  D acc[kCount];
+#pragma GCC unroll 4
+  for (int32_t j = 0; j < kCount; ++j) {
+    Neighbourhood(rows[entries[j].row], entries[j].x, p[j]);
+    w[j] = byTap + static_cast<size_t>(entries[j].cls) * kSrTaps * kSrPositions;
+    acc[j] = D::Zero();
   }
-  _mm_storeu_si128(reinterpret_cast<__m128i*>(ranges), _mm_sub_epi8(hi, lo));
+#pragma GCC unroll 9
+  for (int32_t k = 0; k < kSrTaps; ++k) {
+#pragma GCC unroll 4
+    for (int32_t j = 0; j < kCount; ++j)
+      acc[j] = D::MulAdd(acc[j], &kByteDoubles.value[p[j][k]], D::Load(w[j] + k * kSrPositions));
+  }
+#pragma GCC unroll 4
+  for (int32_t j = 0; j < kCount; ++j) {
+    // Positions 0 and 1 go to the upper output row, 2 and 3 to the lower.
+    const uint32_t block = D::ToBytes(acc[j]);
+    const auto upper = static_cast<uint16_t>(block), lower = static_cast<uint16_t>(block >> 16);
+    const int32_t x = entries[j].x;
+    std::memcpy(out[entries[j].row][0] + 2 * x, &upper, 2);
+    std::memcpy(out[entries[j].row][1] + 2 * x, &lower, 2);
+  }
 }
 
-template <typename D>
-void TrainedPixel(const uint8_t p[kSrTaps], const double* byTap, uint8_t* out0, uint8_t* out1, int32_t x) {
-  D acc = D::Zero();
-  for (int32_t k = 0; k < kSrTaps; ++k) acc = D::MulAdd(acc, p[k], D::Load(byTap + k * kSrPositions));
-  alignas(16) int32_t block[4];
-  D::ToBytes(acc, block);
-  out0[2 * x] = static_cast<uint8_t>(block[0]);
-  out0[2 * x + 1] = static_cast<uint8_t>(block[1]);
-  out1[2 * x] = static_cast<uint8_t>(block[2]);
-  out1[2 * x + 1] = static_cast<uint8_t>(block[3]);
-}
-
-// The variance level of each variance index, looked up instead of searched.
-inline const uint8_t* LevelOfIndex() {
-  static const auto table = [] {
-    struct Table {
-      uint8_t level[256];
-    } t{};
-    for (int32_t i = 0; i < 256; ++i) t.level[i] = static_cast<uint8_t>(SrVarianceLevel(i));
-    return t;
-  }();
-  return table.level;
+// Levels of eight pixels from their sums (16-bit lanes) and sums of squares
+// (32-bit lanes, pixels 0-3 and 4-7), as SrVarianceLevelOfMoments gives
+// them: each boundary crossed adds one.
+inline __m128i Levels8(__m128i sum, __m128i squaresLo, __m128i squaresHi) {
+  const __m128i zero = _mm_setzero_si128();
+  auto scaled = [](__m128i sums, __m128i squares) {
+    const __m128i n = _mm_sub_epi32(_mm_add_epi32(_mm_slli_epi32(squares, 3), squares), _mm_madd_epi16(sums, sums));
+    return _mm_sub_epi32(_mm_slli_epi32(n, 8), n);
+  };
+  const __m128i lo = scaled(_mm_unpacklo_epi16(sum, zero), squaresLo);
+  const __m128i hi = scaled(_mm_unpackhi_epi16(sum, zero), squaresHi);
+  __m128i levelLo = zero, levelHi = zero;
+  for (int32_t level = 0; level < kSrLevels - 1; ++level) {
+    const __m128i below = _mm_set1_epi32(SrLevelBoundary(level) - 1);
+    levelLo = _mm_sub_epi32(levelLo, _mm_cmpgt_epi32(lo, below));
+    levelHi = _mm_sub_epi32(levelHi, _mm_cmpgt_epi32(hi, below));
+  }
+  return _mm_packs_epi32(levelLo, levelHi);
 }
 
 // Classes of pixels x .. x + 7 (columns x - 1 .. x + 8 must exist), as
 // SrClass gives them: ranges, patterns and sums in 16-bit lanes, sums of
-// squares in 32 bits, the variance in doubles in SrVarianceIndex's order.
+// squares and the variance levels in 32 bits.
 inline void Classes8(const RowTriple& rows, int32_t x, int16_t* classes) {
   const __m128i zero = _mm_setzero_si128();
   __m128i v[kSrTaps];
@@ -108,36 +148,35 @@ inline void Classes8(const RowTriple& rows, int32_t x, int16_t* classes) {
     squaresHi = _mm_add_epi32(squaresHi, _mm_unpackhi_epi16(square, zero));
   }
   const __m128i threshold = _mm_srli_epi16(_mm_add_epi16(lo, hi), 1);
-  __m128i pattern = zero;
+  __m128i cls = Levels8(sum, squaresLo, squaresHi);
   for (k = 0; k < kSrTaps; ++k)
-    pattern = _mm_or_si128(pattern, _mm_and_si128(_mm_cmpgt_epi16(v[k], threshold), _mm_set1_epi16(1 << k)));
+    cls = _mm_or_si128(cls, _mm_and_si128(_mm_cmpgt_epi16(v[k], threshold), _mm_set1_epi16(kSrLevels << k)));
   const __m128i flat = _mm_cmplt_epi16(_mm_sub_epi16(hi, lo), _mm_set1_epi16(kSrFlatRange));
-  alignas(16) int32_t sums[8], squares[8];
-  _mm_store_si128(reinterpret_cast<__m128i*>(sums), _mm_unpacklo_epi16(sum, zero));
-  _mm_store_si128(reinterpret_cast<__m128i*>(sums + 4), _mm_unpackhi_epi16(sum, zero));
-  _mm_store_si128(reinterpret_cast<__m128i*>(squares), squaresLo);
-  _mm_store_si128(reinterpret_cast<__m128i*>(squares + 4), squaresHi);
-  alignas(16) int32_t index[8];
-  const __m128d nine = _mm_set1_pd(9.0), scale = _mm_set1_pd(255.0), range = _mm_set1_pd(16244.0);
-  for (int32_t i = 0; i < 8; i += 2) {
-    const __m128d mean = _mm_div_pd(_mm_cvtepi32_pd(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(sums + i))), nine);
-    const __m128d meanOfSquares =
-        _mm_div_pd(_mm_cvtepi32_pd(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(squares + i))), nine);
-    const __m128d variance = _mm_sub_pd(meanOfSquares, _mm_mul_pd(mean, mean));
-    const __m128d scaled = _mm_max_pd(_mm_div_pd(_mm_mul_pd(variance, scale), range), _mm_setzero_pd());
-    _mm_storel_epi64(reinterpret_cast<__m128i*>(index + i), _mm_cvttpd_epi32(scaled));
-  }
-  alignas(16) int16_t patterns[8], flats[8];
-  _mm_store_si128(reinterpret_cast<__m128i*>(patterns), pattern);
-  _mm_store_si128(reinterpret_cast<__m128i*>(flats), flat);
-  const uint8_t* level = LevelOfIndex();
-  for (int32_t i = 0; i < 8; ++i) {
-    classes[i] = static_cast<int16_t>(flats[i] ? kSrFlatClass
-                                               : patterns[i] * kSrLevels + level[index[i] < 255 ? index[i] : 255]);
-  }
+  cls = _mm_or_si128(_mm_andnot_si128(flat, cls), _mm_and_si128(flat, _mm_set1_epi16(kSrFlatClass)));
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(classes), cls);
 }
 
 #if defined(__AVX2__)
+// Levels8 at sixteen pixels; the unpacks and the pack work within 128-bit
+// lanes, so the levels come back in pixel order.
+inline __m256i Levels16(__m256i sum, __m256i squaresLo, __m256i squaresHi) {
+  const __m256i zero = _mm256_setzero_si256();
+  auto scaled = [](__m256i sums, __m256i squares) {
+    const __m256i n =
+        _mm256_sub_epi32(_mm256_add_epi32(_mm256_slli_epi32(squares, 3), squares), _mm256_madd_epi16(sums, sums));
+    return _mm256_sub_epi32(_mm256_slli_epi32(n, 8), n);
+  };
+  const __m256i lo = scaled(_mm256_unpacklo_epi16(sum, zero), squaresLo);
+  const __m256i hi = scaled(_mm256_unpackhi_epi16(sum, zero), squaresHi);
+  __m256i levelLo = zero, levelHi = zero;
+  for (int32_t level = 0; level < kSrLevels - 1; ++level) {
+    const __m256i below = _mm256_set1_epi32(SrLevelBoundary(level) - 1);
+    levelLo = _mm256_sub_epi32(levelLo, _mm256_cmpgt_epi32(lo, below));
+    levelHi = _mm256_sub_epi32(levelHi, _mm256_cmpgt_epi32(hi, below));
+  }
+  return _mm256_packs_epi32(levelLo, levelHi);
+}
+
 // Classes8 at sixteen pixels (columns x - 1 .. x + 16 must exist).
 inline void Classes16(const RowTriple& rows, int32_t x, int16_t* classes) {
   const __m256i zero = _mm256_setzero_si256();
@@ -157,45 +196,13 @@ inline void Classes16(const RowTriple& rows, int32_t x, int16_t* classes) {
     squaresHi = _mm256_add_epi32(squaresHi, _mm256_unpackhi_epi16(square, zero));
   }
   const __m256i threshold = _mm256_srli_epi16(_mm256_add_epi16(lo, hi), 1);
-  __m256i pattern = zero;
+  __m256i cls = Levels16(sum, squaresLo, squaresHi);
   for (k = 0; k < kSrTaps; ++k)
-    pattern =
-        _mm256_or_si256(pattern, _mm256_and_si256(_mm256_cmpgt_epi16(v[k], threshold), _mm256_set1_epi16(1 << k)));
+    cls =
+        _mm256_or_si256(cls, _mm256_and_si256(_mm256_cmpgt_epi16(v[k], threshold), _mm256_set1_epi16(kSrLevels << k)));
   const __m256i flat = _mm256_cmpgt_epi16(_mm256_set1_epi16(kSrFlatRange), _mm256_sub_epi16(hi, lo));
-  // The unpacks work within 128-bit lanes: pixels 0-3, 8-11 in the low
-  // halves and 4-7, 12-15 in the high ones; put them back in pixel order.
-  alignas(32) int32_t lowHalves[8], highHalves[8], sums[16], squares[16];
-  _mm256_store_si256(reinterpret_cast<__m256i*>(lowHalves), _mm256_unpacklo_epi16(sum, zero));
-  _mm256_store_si256(reinterpret_cast<__m256i*>(highHalves), _mm256_unpackhi_epi16(sum, zero));
-  for (int32_t i = 0; i < 4; ++i) {
-    sums[i] = lowHalves[i], sums[4 + i] = highHalves[i], sums[8 + i] = lowHalves[4 + i],
-    sums[12 + i] = highHalves[4 + i];
-  }
-  _mm256_store_si256(reinterpret_cast<__m256i*>(lowHalves), squaresLo);
-  _mm256_store_si256(reinterpret_cast<__m256i*>(highHalves), squaresHi);
-  for (int32_t i = 0; i < 4; ++i) {
-    squares[i] = lowHalves[i], squares[4 + i] = highHalves[i], squares[8 + i] = lowHalves[4 + i],
-    squares[12 + i] = highHalves[4 + i];
-  }
-  alignas(16) int32_t index[16];
-  const __m256d nine = _mm256_set1_pd(9.0), scale = _mm256_set1_pd(255.0), range = _mm256_set1_pd(16244.0);
-  for (int32_t i = 0; i < 16; i += 4) {
-    const __m256d mean =
-        _mm256_div_pd(_mm256_cvtepi32_pd(_mm_load_si128(reinterpret_cast<const __m128i*>(sums + i))), nine);
-    const __m256d meanOfSquares =
-        _mm256_div_pd(_mm256_cvtepi32_pd(_mm_load_si128(reinterpret_cast<const __m128i*>(squares + i))), nine);
-    const __m256d variance = _mm256_sub_pd(meanOfSquares, _mm256_mul_pd(mean, mean));
-    const __m256d scaled = _mm256_max_pd(_mm256_div_pd(_mm256_mul_pd(variance, scale), range), _mm256_setzero_pd());
-    _mm_store_si128(reinterpret_cast<__m128i*>(index + i), _mm256_cvttpd_epi32(scaled));
-  }
-  alignas(32) int16_t patterns[16], flats[16];
-  _mm256_store_si256(reinterpret_cast<__m256i*>(patterns), pattern);
-  _mm256_store_si256(reinterpret_cast<__m256i*>(flats), flat);
-  const uint8_t* level = LevelOfIndex();
-  for (int32_t i = 0; i < 16; ++i) {
-    classes[i] = static_cast<int16_t>(flats[i] ? kSrFlatClass
-                                               : patterns[i] * kSrLevels + level[index[i] < 255 ? index[i] : 255]);
-  }
+  cls = _mm256_blendv_epi8(cls, _mm256_set1_epi16(kSrFlatClass), flat);
+  _mm256_storeu_si256(reinterpret_cast<__m256i*>(classes), cls);
 }
 #endif
 
@@ -216,15 +223,29 @@ inline void PlainRun8(const RowTriple& rows, int32_t x, uint8_t* out0, uint8_t* 
   _mm_storeu_si128(reinterpret_cast<__m128i*>(out1 + 2 * x), _mm_unpacklo_epi8(position(b, l), position(b, r)));
 }
 
-// Columns per pass: the ranges of one pass live on the stack.
+// The class of pixel x where the vector forms cannot reach its neighbours.
+// The first and last columns never take a trained filter: they get the flat
+// class or kSrClasses, which only says "not flat".
+inline int16_t ScalarClass(const RowTriple& rows, int32_t x, int32_t width) {
+  if (x == 0 || x == width - 1) return RangeAt(rows, x, width) < kSrFlatRange ? kSrFlatClass : kSrClasses;
+  uint8_t p[kSrTaps];
+  Neighbourhood(rows, x, p);
+  return static_cast<int16_t>(SrClass(p));
+}
+
+// Columns per pass: the classes of one pass live on the stack.
 constexpr int32_t kChunk = 256;
 
 // kWide: classes sixteen pixels at a time (AVX2) before eight.
 template <typename D, bool kWide>
 void SrEnhancedPlane(const uint8_t* src, int32_t srcStride, int32_t width, int32_t height, uint8_t* dst,
                      int32_t dstStride, const SrTrainedFilters& filters) {
-  alignas(16) uint8_t ranges[2][kChunk + 32];
-  alignas(16) int16_t classes[2][kChunk + 32];
+  // A pixel is flat (its 3x3 range below 16) exactly when its class is the
+  // flat class, so the classes also answer the flatness test.
+  alignas(32) int16_t classes[2][kChunk + 32];
+  TrainedEntry entries[2 * kChunk];
+  const uint8_t* valid = filters.valid;
+  const double* byTap = filters.byTap;
   for (int32_t y = 0; y < height; y += 2) {
     const int32_t y1 = y + 1 < height ? y + 1 : y;
     const int32_t rowCount = y1 != y ? 2 : 1;
@@ -235,26 +256,9 @@ void SrEnhancedPlane(const uint8_t* src, int32_t srcStride, int32_t width, int32
     out[1][0] = out[0][0] + 2 * static_cast<ptrdiff_t>(dstStride);
     out[1][1] = out[1][0] + dstStride;
     for (int32_t c0 = 0; c0 < width; c0 += kChunk) {
-      // One column past the chunk: the last block's right pixel may need it.
-      const int32_t count = width - c0 < kChunk + 1 ? width - c0 : kChunk + 1;
-      for (int32_t r = 0; r < 2; ++r) {
-        const RowTriple shifted = {rows[r].above + c0, rows[r].row + c0, rows[r].below + c0};
-        // Ranges of a chunk that does not start at column 0 or end at the
-        // last column still need their outer neighbours: compute from the
-        // full rows there.
-        for (int32_t i = 0; i < count; ++i) {
-          const int32_t x = c0 + i;
-          if (x == 0 || x + 17 > width || (i & 15) != 0 || i + 16 > count) {
-            ranges[r][i] = static_cast<uint8_t>(RangeAt(rows[r], x, width));
-          } else {
-            Ranges16(shifted, i, ranges[r] + i);
-            i += 15;
-          }
-        }
-      }
       const int32_t end = c0 + kChunk < width ? c0 + kChunk : width;
-      // Classes in runs of eight where the neighbours lie inside the row;
-      // -1 leaves a pixel to the scalar classification.
+      // One column past the chunk: the last block's right pixel may need it.
+      const int32_t limit = end < width ? end + 1 : end;
       for (int32_t r = 0; r < rowCount; ++r) {
         // Every pixel first gets the plain formula; trained ones are
         // written over it below.
@@ -262,29 +266,38 @@ void SrEnhancedPlane(const uint8_t* src, int32_t srcStride, int32_t width, int32
         for (; x < end && (x == 0 || x + 9 > width); ++x) PlainPixel(rows[r], x, width, out[r][0], out[r][1]);
         for (; x + 8 <= end && x + 9 <= width; x += 8) PlainRun8(rows[r], x, out[r][0], out[r][1]);
         for (; x < end; ++x) PlainPixel(rows[r], x, width, out[r][0], out[r][1]);
+        // Classes in runs where the neighbours lie inside the row.
+        int16_t* cls = classes[r] - c0;
         x = c0;
-        for (; x < end && (x == 0 || x + 9 > width); ++x) classes[r][x - c0] = -1;
+        for (; x < limit && (x == 0 || x + 9 > width); ++x) cls[x] = ScalarClass(rows[r], x, width);
 #if defined(__AVX2__)
-        for (; kWide && x + 16 <= end && x + 17 <= width; x += 16) Classes16(rows[r], x, classes[r] + (x - c0));
+        for (; kWide && x + 16 <= limit && x + 17 <= width; x += 16) Classes16(rows[r], x, cls + x);
 #endif
-        for (; x + 8 <= end && x + 9 <= width; x += 8) Classes8(rows[r], x, classes[r] + (x - c0));
-        for (; x < end; ++x) classes[r][x - c0] = -1;
+        for (; x + 8 <= limit && x + 9 <= width; x += 8) Classes8(rows[r], x, cls + x);
+        for (; x < limit; ++x) cls[x] = ScalarClass(rows[r], x, width);
       }
+      // The trained pixels of the chunk are listed first (without a branch
+      // on the class's flag, which is hard to predict), then filtered.
+      const int16_t* top = classes[0];
+      const int16_t* bottom = classes[rowCount - 1];
+      int32_t trained = 0;
       for (int32_t x = c0; x < end; x += 2) {
         const int32_t i = x - c0, i1 = x + 1 < width ? i + 1 : i;
-        const bool flat = ranges[0][i] < kSrFlatRange && ranges[0][i1] < kSrFlatRange && ranges[1][i] < kSrFlatRange &&
-                          ranges[1][i1] < kSrFlatRange;
+        const bool flat = top[i] == kSrFlatClass && top[i1] == kSrFlatClass && bottom[i] == kSrFlatClass &&
+                          bottom[i1] == kSrFlatClass;
+        if (flat) continue;
         for (int32_t r = 0; r < rowCount; ++r) {
           for (int32_t px = x; px < x + 2 && px < width; ++px) {
-            uint8_t p[kSrTaps];
-            const int32_t cls = TrainedClass(rows[r], px, width, flat, filters.valid, classes[r][px - c0], p);
-            if (cls >= 0) {
-              TrainedPixel<D>(p, filters.byTap + static_cast<size_t>(cls) * kSrTaps * kSrPositions, out[r][0],
-                              out[r][1], px);
-            }
+            if (px == 0 || px == width - 1) continue;
+            const int32_t cls = classes[r][px - c0];
+            entries[trained] = {r, px, cls};
+            trained += valid[cls];
           }
         }
       }
+      int32_t e = 0;
+      for (; e + 4 <= trained; e += 4) TrainedPixels<D, 4>(entries + e, rows, out, byTap);
+      for (; e < trained; ++e) TrainedPixels<D, 1>(entries + e, rows, out, byTap);
     }
   }
 }
