@@ -220,8 +220,8 @@ void Speed(const std::vector<HeldOutPicture>& pictures, int frames) {
     const auto sr = [&] { return upscaler.Process(source, srOut); };
     const auto cubic = [&] {
       for (int k = 0; k < 3; ++k) {
-        cv::Mat to = cvOut.Plane(k);
-        cv::resize(source.Plane(k), to, to.size(), 0, 0, cv::INTER_CUBIC);
+        cv::Mat to = PlaneMat(cvOut, k);
+        cv::resize(PlaneMat(source, k), to, to.size(), 0, 0, cv::INTER_CUBIC);
       }
     };
     char size[32];

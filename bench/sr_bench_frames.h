@@ -1,76 +1,19 @@
-// Pieces of sr_bench: I420 frames with aligned planes built around a luma
-// picture, the super resolution filter in each of its four modes through the
-// public interface, and the reference upscalers it is measured against.
+// The OpenCV side of sr_bench: plane headers over the filter's frames and
+// OpenCV's resize as the reference upscalers.
 #ifndef LUMAFORGE_BENCH_SR_BENCH_FRAMES_H_
 #define LUMAFORGE_BENCH_SR_BENCH_FRAMES_H_
 
 #include <opencv2/core.hpp>
 
-#include <cstdint>
-#include <cstdlib>
-#include <memory>
-
-#include "lumaforge/lumaforge.h"
-#include "tools/sr_train/luma_picture.h"
+#include "bench/sr_upscaler.h"
 
 namespace Lumaforge::bench {
 
-using sr_train::LumaPicture;
+// A header over plane `k` of `frame` (no copy).
+cv::Mat PlaneMat(const I420Frame& frame, int k);
 
-// An I420 picture whose planes start on 64-byte boundaries with strides in
-// multiples of 64, so the filter's caller-buffer mode works in place.
-class I420Frame {
- public:
-  I420Frame(int32_t width, int32_t height);
-  // `luma` in plane 0; chroma planes of 128, or `chroma` (half size) in both.
-  explicit I420Frame(const LumaPicture& luma, const LumaPicture* chroma = nullptr);
-
-  // A header over plane `k` (no copy).
-  cv::Mat Plane(int k) const;
-  LumaPicture Luma() const;
-
-  VideoPicture picture = {};
-
- private:
-  std::unique_ptr<uint8_t, decltype(&std::free)> m_pMemory{nullptr, &std::free};
-};
-
-enum class SrMode { kStandard2x, kEnhanced2x, kStandard15, kAlternative15 };
-
-const char* SrModeName(SrMode mode);
-// The enlarged size of `size` (even) in `mode`.
-inline int32_t SrScaled(SrMode mode, int32_t size) {
-  return mode == SrMode::kStandard2x || mode == SrMode::kEnhanced2x ? 2 * size : 3 * size / 2;
-}
-
-// One silent manager with the filter set up for `mode`, writing into the
-// caller's planes.
-class SrUpscaler {
- public:
-  explicit SrUpscaler(SrMode mode);
-  ~SrUpscaler();
-  SrUpscaler(const SrUpscaler&) = delete;
-  SrUpscaler& operator=(const SrUpscaler&) = delete;
-
-  // The filter's status (0 on success).
-  int32_t Process(I420Frame& in, I420Frame& out) {
-    return m_pManager->Process(LF_FILTER_SUPER_RESOLUTION, &in.picture, &out.picture);
-  }
-  // The luma of the enlarged picture, or an empty picture when the filter
-  // refused the frame.
-  LumaPicture Upscale(const LumaPicture& source, int32_t width, int32_t height);
-
- private:
-  ILumaforge* m_pManager = nullptr;
-};
-
-// Luma upscalers to an exact size.
-LumaPicture LibyuvBilinear(const LumaPicture& source, int32_t width, int32_t height);
+// OpenCV's luma resize to an exact size.
 LumaPicture OpenCvResize(const LumaPicture& source, int32_t width, int32_t height, int interpolation);
-
-// Copies `picture`'s top-left `width` x `height` corner.
-LumaPicture Cropped(const LumaPicture& picture, int32_t width, int32_t height);
-double Psnr(const LumaPicture& a, const LumaPicture& b);
 
 }  // namespace Lumaforge::bench
 

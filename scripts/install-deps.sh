@@ -9,6 +9,7 @@ packages=(
   libsafec-dev    # the bounds-checked _s memory and string functions
   libgtest-dev    # GoogleTest, for the tests
   libyuv-dev      # the upsampling filter's plane scaler, and the benchmarks' reference
+  plasma-workspace-wallpapers  # photographs for the tests on real pictures
   libcli11-dev    # the command-line tool's argument parsing
   libstb-dev      # the command-line tool's PNG, BMP and PPM reading and PNG writing
   "$@"

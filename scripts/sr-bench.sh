@@ -8,7 +8,7 @@
 #   scripts/sr-bench.sh [frames per mode]
 set -euo pipefail
 cd "$(dirname "$0")/.."
-scripts/install-deps.sh plasma-workspace-wallpapers libopencv-imgproc-dev
+scripts/install-deps.sh libopencv-imgproc-dev
 
 cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=Release >/dev/null
 cmake --build build --target sr_bench -j 2
