@@ -3,6 +3,7 @@
 
 #define LUMAFORGE_FILTER_LIST(FILTER) \
   FILTER(kCscDescriptor)              \
+  FILTER(kDenoiseDescriptor)          \
   FILTER(kDownsampleDescriptor)       \
   FILTER(kCropDescriptor)             \
   FILTER(kSuperResolutionDescriptor)  \

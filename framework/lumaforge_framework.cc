@@ -6,11 +6,6 @@
 #include "framework/clock.h"
 
 namespace Lumaforge {
-namespace {
-
-constexpr int64_t kDefaultLogIntervalMs = 10000;
-
-}  // namespace
 
 CLumaforgeFramework::CLumaforgeFramework() : m_pTiming(new (std::nothrow) TimingRecord) {
   if (m_pTiming) m_pTiming->startMs = NowMilliseconds();
@@ -63,8 +58,7 @@ int32_t CLumaforgeFramework::GetParam(ParamId id, void* value) {
 void CLumaforgeFramework::LogFrameTiming(TimingRecord* record) {
   if (!record || !m_pLogger) return;
   const int64_t now = NowMilliseconds();
-  const int64_t interval = m_iLogInterval < 1 ? kDefaultLogIntervalMs : m_iLogInterval;
-  if (now - record->startMs <= interval) return;
+  if (now - record->startMs <= LogIntervalMs()) return;
   m_pLogger->Info("%f ms per frame",
                   static_cast<double>(record->accumulatedUs) / (static_cast<double>(record->frames) * 1000.0));
   record->startMs = now;

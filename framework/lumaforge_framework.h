@@ -12,6 +12,8 @@
 
 namespace Lumaforge {
 
+inline constexpr int64_t kDefaultLogIntervalMs = 10000;
+
 struct TimingRecord {
   int64_t startMs = 0;        // clock when the current interval began
   int64_t accumulatedUs = 0;  // processing time summed over the interval
@@ -42,6 +44,8 @@ class CLumaforgeFramework {
   const std::string& GetName() const { return m_strName; }
   // Stores the interval in milliseconds; a value below 1 means 10000.
   void SetLogInterval(const int32_t* milliseconds);
+  // The interval in force, in milliseconds.
+  int64_t LogIntervalMs() const { return m_iLogInterval < 1 ? kDefaultLogIntervalMs : m_iLogInterval; }
 
  protected:
   // Called by derived constructors after they set their name.

@@ -62,6 +62,12 @@ enum PixelFormat : uint32_t {
 // Parameter ids for SetParam/GetParam. One numbering for all filters; each
 // filter accepts the ids listed beside it.
 enum ParamId : int32_t {
+  LF_PARAM_DENOISE_LEVEL = 1,           // SetParam on denoise, int32_t: 0 automatic, 1..4 fixed, -1 pass through
+  LF_PARAM_DENOISE_INTERVAL = 2,        // SetParam on denoise, int32_t frames between estimations (< 1 ignored)
+  LF_PARAM_DENOISE_RESTART = 3,         // SetParam on denoise (value unused but not null): frame count back to 0
+  LF_PARAM_DENOISE_REINIT = 4,          // SetParam on denoise (value unused but not null): re-initialise as I420
+  LF_PARAM_DENOISE_CURRENT_LEVEL = 5,   // GetParam on denoise, int32_t: the level in force
+  LF_PARAM_DENOISE_NOISE_ESTIMATE = 6,  // GetParam on denoise, int32_t: the last noise estimate
   LF_PARAM_LOG_CALLBACK = 43,         // SetParam, uint64_t: a LumaforgeLogCallback (0 keeps the current one)
   LF_PARAM_LOG_LEVEL = 44,            // SetParam, int32_t: highest level written, -1 silences
   LF_PARAM_VIDEO_EFFECT = 45,         // SetParam on the video filter, uint32_t: a VideoEffect
@@ -83,6 +89,12 @@ enum FilterType : int32_t {
   // checked (missing planes, strides shorter than a row: -2); the output
   // record is not: its planes must exist and hold its format at its size.
   LF_FILTER_CSC = 1,
+  // Denoise in place on I420/YV12 pictures: an edge-preserving 3x3 spatial
+  // filter and a motion-gated recursion against the previous output. Init's
+  // config is a DenoiseConfig; Process changes its input picture (the output
+  // record is not used). Levels 1..4 are fixed strengths, 0 chooses them
+  // from a noise estimate every LF_PARAM_DENOISE_INTERVAL frames.
+  LF_FILTER_DENOISE = 2,
   // Downsampling of RGB24/BGR24, 32-bit RGB, RGBP, I420 and 8-bit grey (31)
   // pictures to a smaller even size. No configuration; the Init flag 1 makes
   // the filter write into the caller's output planes (copying back when they
@@ -168,6 +180,14 @@ static_assert(offsetof(VideoPicture, aux1) == 68, "VideoPicture layout is fixed 
 static_assert(offsetof(VideoPicture, aux2) == 72, "VideoPicture layout is fixed by the host");
 static_assert(sizeof(VideoPicture) == 120, "VideoPicture layout is fixed by the host");
 #endif
+
+// Denoise filter (type 2) configuration, for Init.
+struct DenoiseConfig {
+  uint32_t width;   // luma width in pixels
+  uint32_t height;  // luma height in pixels
+  uint32_t format;  // LF_I420 or LF_YV12
+  int32_t level;    // 0 automatic, 1..4 fixed, -1 pass pictures through
+};
 
 // Crop filter (type 16) configuration, for Init and LF_PARAM_CROP_CONFIG.
 struct CropConfig {

@@ -64,6 +64,10 @@ struct ContractTerms {
   // Whether the filter reads the previous frame of the same size: a frame
   // then gives the same bytes after itself as in a fresh filter.
   bool readsPreviousFrame = false;
+  // Whether each result depends on every earlier frame of its size (a
+  // recursive filter): only the first frame after a change of size must
+  // match a fresh filter's.
+  bool recursive = false;
   std::vector<ContractRefusal> refusals = {};
 };
 
