@@ -69,6 +69,8 @@ int32_t CDenoise::Init(void* config, uint8_t /*flag*/) {
   std::memcpy(&c, config, sizeof(c));
   const uint32_t code = c.format & LF_FORMAT_CODE_MASK;
   if (code != LF_I420 && code != LF_YV12) return LF_UNSUPPORTED;
+  // Buffers cut for another size would be read past their ends.
+  if (c.width != m_uWidth || c.height != m_uHeight) FreeBuffers();
   m_uWidth = c.width;
   m_uHeight = c.height;
   if (c.level != m_iConfiguredLevel) ApplyLevel(c.level);
@@ -79,14 +81,18 @@ int32_t CDenoise::Init(void* config, uint8_t /*flag*/) {
 
 int32_t CDenoise::Uninit() {
   if (!m_bInitialised) return LF_OK;
-  m_Reference.Free();
-  m_WorkPlanes.Free();
-  m_bHasReference = false;
-  m_StaticMap = {};
+  FreeBuffers();
   ResetTiming();
   m_iFrameIndex = 0;
   m_bInitialised = false;
   return LF_OK;
+}
+
+void CDenoise::FreeBuffers() {
+  m_Reference.Free();
+  m_WorkPlanes.Free();
+  m_bHasReference = false;
+  m_StaticMap = {};
 }
 
 int32_t CDenoise::SetParam(ParamId id, void* value) {
@@ -204,7 +210,8 @@ bool CDenoise::UpdateLevel(const DenoisePlanes& work, bool& staleReference) {
 
 void CDenoise::SpatialPass(const DenoisePlanes& work, bool everyBlock) {
   const auto width = static_cast<int32_t>(m_uWidth), height = static_cast<int32_t>(m_uHeight);
-  if (m_uPlaneMask & 1) LumaSpatialPass(m_runKernels, work.plane[0], work.stride[0], width, height, m_StaticMap, everyBlock);
+  if (m_uPlaneMask & 1)
+    LumaSpatialPass(m_runKernels, work.plane[0], work.stride[0], width, height, m_StaticMap, everyBlock);
   for (int k = 1; k < 3; ++k) {
     if (m_uPlaneMask & (1u << k))
       ChromaSpatialPass(m_runKernels, work.plane[k], work.stride[k], width / 2, height / 2, m_StaticMap, everyBlock);
@@ -285,8 +292,8 @@ constexpr ParamDescriptor kDenoiseParams[] = {
     {LF_PARAM_DENOISE_NOISE_ESTIMATE, ParamType::kInt32, kParamGet, "estimate", "the last noise estimate", 0, 0}};
 }  // namespace
 
-extern const FilterDescriptor kDenoiseDescriptor = {LF_FILTER_DENOISE,     "Denoise",       "Create Denoise(%p)",
-                                                    CreateFilter<CDenoise>, false,          FormatReading::kPlanes,
+extern const FilterDescriptor kDenoiseDescriptor = {LF_FILTER_DENOISE,      "Denoise",     "Create Denoise(%p)",
+                                                    CreateFilter<CDenoise>, false,         FormatReading::kPlanes,
                                                     kDenoiseFormats,        kDenoiseParams};
 
 }  // namespace Lumaforge

@@ -54,6 +54,7 @@ class CDenoise : public CLumaforgeFramework {
   bool UpdateLevel(const DenoisePlanes& work, bool& staleReference);
   void SpatialPass(const DenoisePlanes& work, bool everyBlock);
   void CopyPlanes(const DenoisePlanes& from, const DenoisePlanes& to) const;
+  void FreeBuffers();
 
   uint32_t m_CPUFlag;
   DenoiseKernels m_kernels{};

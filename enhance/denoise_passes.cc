@@ -137,9 +137,7 @@ int32_t CentreCount(int32_t limit) { return limit > 2 ? (limit - 3) / 5 + 1 : 0;
 
 }  // namespace
 
-int32_t NoiseBlockCount(int32_t width, int32_t height) {
-  return CentreCount(width - 6) * CentreCount(height - 2);
-}
+int32_t NoiseBlockCount(int32_t width, int32_t height) { return CentreCount(width - 6) * CentreCount(height - 2); }
 
 int32_t EstimateNoise(const DenoiseKernels& kernels, const uint8_t* current, ptrdiff_t currentStride,
                       const uint8_t* reference, ptrdiff_t referenceStride, int32_t width, int32_t height,

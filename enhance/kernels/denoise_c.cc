@@ -80,8 +80,8 @@ bool DenoiseBlockTest_c(const uint8_t* ref, ptrdiff_t refStride, const uint8_t* 
 }
 
 void InitDenoiseKernels(DenoiseKernels* kernels, uint32_t cpuFeatures) {
-  *kernels = {DenoiseSpatialA_c, DenoiseSpatialB_c, DenoiseEdgeSmoother_c, DenoiseBlockStats_c, DenoiseBlend_c,
-              DenoiseBlockTest_c};
+  *kernels = {DenoiseSpatialA_c,   DenoiseSpatialB_c, DenoiseEdgeSmoother_c,
+              DenoiseBlockStats_c, DenoiseBlend_c,    DenoiseBlockTest_c};
   (void)cpuFeatures;
 }
 

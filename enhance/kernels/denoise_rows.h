@@ -25,8 +25,8 @@ template <int32_t (*Weight)(int32_t)>
 inline uint8_t SpatialPixel(const uint8_t* p, ptrdiff_t stride) {
   const int32_t c = *p;
   int32_t sumW = 0, sumWn = 0;
-  for (const ptrdiff_t offset : {-stride - 1, -stride, -stride + 1, ptrdiff_t{-1}, ptrdiff_t{1}, stride - 1, stride,
-                                 stride + 1}) {
+  for (const ptrdiff_t offset :
+       {-stride - 1, -stride, -stride + 1, ptrdiff_t{-1}, ptrdiff_t{1}, stride - 1, stride, stride + 1}) {
     const int32_t n = p[offset];
     const int32_t w = Weight(std::abs(n - c));
     sumW += w;
@@ -95,8 +95,7 @@ inline BlockStats StatsOfDifferences(const int32_t d[5][5]) {
       antiDiagonal += (d[r + 1][c] - d[r][c + 1]) * (d[r + 1][c] - d[r][c + 1]);
     }
   }
-  const int64_t energies[4] = {int64_t{4} * along, int64_t{4} * down, int64_t{5} * diagonal,
-                               int64_t{5} * antiDiagonal};
+  const int64_t energies[4] = {int64_t{4} * along, int64_t{4} * down, int64_t{5} * diagonal, int64_t{5} * antiDiagonal};
   int64_t largest = 0, smallest = 0;
   for (const int64_t e : energies) {
     largest = e > largest ? e : largest;
