@@ -61,6 +61,12 @@ DenoiseBlockStatsKernel DenoiseBlockStats_c;
 DenoiseBlendKernel DenoiseBlend_c;
 DenoiseBlockTestKernel DenoiseBlockTest_c;
 
+LUMAFORGE_KERNEL_LEVEL(sse2, DenoiseKernels)
+LUMAFORGE_KERNEL_LEVEL(ssse3, DenoiseKernels)
+LUMAFORGE_KERNEL_LEVEL(sse42, DenoiseKernels)
+LUMAFORGE_KERNEL_LEVEL(avx, DenoiseKernels)
+LUMAFORGE_KERNEL_LEVEL(avx2, DenoiseKernels)
+
 void InitDenoiseKernels(DenoiseKernels* kernels, uint32_t cpuFeatures);
 
 }  // namespace Lumaforge

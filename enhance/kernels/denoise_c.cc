@@ -82,7 +82,12 @@ bool DenoiseBlockTest_c(const uint8_t* ref, ptrdiff_t refStride, const uint8_t* 
 void InitDenoiseKernels(DenoiseKernels* kernels, uint32_t cpuFeatures) {
   *kernels = {DenoiseSpatialA_c,   DenoiseSpatialB_c, DenoiseEdgeSmoother_c,
               DenoiseBlockStats_c, DenoiseBlend_c,    DenoiseBlockTest_c};
-  (void)cpuFeatures;
+  ClimbLadder(kernels, cpuFeatures,
+              {{kCpuSSE2, sse2::Install},
+               {kCpuSSSE3, ssse3::Install},
+               {kCpuSSE42, sse42::Install},
+               {kCpuAVX, avx::Install},
+               {kCpuAVX2, avx2::Install}});
 }
 
 }  // namespace Lumaforge

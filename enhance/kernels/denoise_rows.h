@@ -63,6 +63,20 @@ inline int32_t StructureWeight(int64_t largest, int64_t smallest) {
   return 256;
 }
 
+// A block's statistics from the sum of squared deviations from its
+// truncated mean and its four directional sums of squared differences
+// (rows and columns over 20 pairs each, the diagonals over 16).
+inline BlockStats StatsOfEnergies(int32_t squares, int32_t along, int32_t down, int32_t diagonal,
+                                  int32_t antiDiagonal) {
+  const int64_t energies[4] = {int64_t{4} * along, int64_t{4} * down, int64_t{5} * diagonal, int64_t{5} * antiDiagonal};
+  int64_t largest = 0, smallest = 0;
+  for (const int64_t e : energies) {
+    largest = e > largest ? e : largest;
+    if (e > 0 && (smallest == 0 || e < smallest)) smallest = e;
+  }
+  return {StructureWeight(largest, smallest), squares * 256 / 24};
+}
+
 // The statistics of one 5x5 block of differences d (each 0..255).
 //
 // The directional energies are the sums of squared differences between
@@ -95,13 +109,7 @@ inline BlockStats StatsOfDifferences(const int32_t d[5][5]) {
       antiDiagonal += (d[r + 1][c] - d[r][c + 1]) * (d[r + 1][c] - d[r][c + 1]);
     }
   }
-  const int64_t energies[4] = {int64_t{4} * along, int64_t{4} * down, int64_t{5} * diagonal, int64_t{5} * antiDiagonal};
-  int64_t largest = 0, smallest = 0;
-  for (const int64_t e : energies) {
-    largest = e > largest ? e : largest;
-    if (e > 0 && (smallest == 0 || e < smallest)) smallest = e;
-  }
-  return {StructureWeight(largest, smallest), squares * 256 / 24};
+  return StatsOfEnergies(squares, along, down, diagonal, antiDiagonal);
 }
 
 // The block test's answer without the transform, when the SAD alone

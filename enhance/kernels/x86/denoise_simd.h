@@ -1,0 +1,294 @@
+// Vector forms of the denoise kernels, one body for every level: pixels in
+// 16-bit lanes, eight per 128-bit register or sixteen per 256-bit one. The
+// spatial kernels fit unsigned 16 bits throughout: the weights sum to at
+// most 256, so ((256 - sum w) * c + 128 + sum w * n) stays below 2^16.
+// Runs of a width other than 16, 8 or 7, the diagonal transform of the
+// block test and the statistics' final division go to the plain pieces in
+// denoise_rows.h.
+#ifndef LUMAFORGE_ENHANCE_KERNELS_X86_DENOISE_SIMD_H_
+#define LUMAFORGE_ENHANCE_KERNELS_X86_DENOISE_SIMD_H_
+
+#include <immintrin.h>
+
+#include <cstring>
+#include <type_traits>
+
+#include "enhance/kernels/denoise.h"
+#include "enhance/kernels/denoise_rows.h"
+
+namespace Lumaforge::x86 {
+namespace {
+
+using namespace denoise;
+
+// Eight pixels in 16-bit lanes.
+struct Lanes8 {
+  using V = __m128i;
+  static constexpr int32_t kWidth = 8;
+  static V Load(const uint8_t* p) {
+    return _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)), _mm_setzero_si128());
+  }
+  static V Set(int16_t v) { return _mm_set1_epi16(v); }
+  static V Add(V a, V b) { return _mm_add_epi16(a, b); }
+  static V Sub(V a, V b) { return _mm_sub_epi16(a, b); }
+  static V SubSat(V a, V b) { return _mm_subs_epu16(a, b); }
+  static V Mul(V a, V b) { return _mm_mullo_epi16(a, b); }
+  template <int kBits>
+  static V Shift(V v) {
+    return _mm_srli_epi16(v, kBits);
+  }
+  static V AbsDiff(V a, V b) {
+#if defined(__SSSE3__)
+    return _mm_abs_epi16(_mm_sub_epi16(a, b));
+#else
+    return _mm_sub_epi16(_mm_max_epi16(a, b), _mm_min_epi16(a, b));
+#endif
+  }
+  // The lanes as bytes (each 0..255) into 8 bytes at p.
+  static void Store(uint8_t* p, V v) { _mm_storel_epi64(reinterpret_cast<__m128i*>(p), _mm_packus_epi16(v, v)); }
+};
+
+#if defined(__AVX2__)
+// Sixteen pixels in 16-bit lanes.
+struct Lanes16 {
+  using V = __m256i;
+  static constexpr int32_t kWidth = 16;
+  static V Load(const uint8_t* p) { return _mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))); }
+  static V Set(int16_t v) { return _mm256_set1_epi16(v); }
+  static V Add(V a, V b) { return _mm256_add_epi16(a, b); }
+  static V Sub(V a, V b) { return _mm256_sub_epi16(a, b); }
+  static V SubSat(V a, V b) { return _mm256_subs_epu16(a, b); }
+  static V Mul(V a, V b) { return _mm256_mullo_epi16(a, b); }
+  template <int kBits>
+  static V Shift(V v) {
+    return _mm256_srli_epi16(v, kBits);
+  }
+  static V AbsDiff(V a, V b) { return _mm256_abs_epi16(_mm256_sub_epi16(a, b)); }
+  static void Store(uint8_t* p, V v) {
+    const __m128i bytes = _mm_packus_epi16(_mm256_castsi256_si128(v), _mm256_extracti128_si256(v, 1));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(p), bytes);
+  }
+};
+#endif
+
+// Kernel A's weight: max(32 - d, 0)^2 >> 5.
+struct WeighA {
+  template <typename L>
+  static typename L::V Of(typename L::V d) {
+    const typename L::V t = L::SubSat(L::Set(32), d);
+    return L::template Shift<5>(L::Mul(t, t));
+  }
+};
+// Kernel B's weight: max(28 - (d >> 2), 0).
+struct WeighB {
+  template <typename L>
+  static typename L::V Of(typename L::V d) {
+    return L::SubSat(L::Set(28), L::template Shift<2>(d));
+  }
+};
+
+// One row of L::kWidth spatial results at p (not stored).
+template <typename L, typename Weigh>
+typename L::V SpatialLanes(const uint8_t* p, ptrdiff_t stride) {
+  using V = typename L::V;
+  const V c = L::Load(p);
+  V sumW = L::Set(0), sumWn = L::Set(0);
+  for (const ptrdiff_t offset :
+       {-stride - 1, -stride, -stride + 1, ptrdiff_t{-1}, ptrdiff_t{1}, stride - 1, stride, stride + 1}) {
+    const V n = L::Load(p + offset);
+    const V w = Weigh::template Of<L>(L::AbsDiff(n, c));
+    sumW = L::Add(sumW, w);
+    sumWn = L::Add(sumWn, L::Mul(w, n));
+  }
+  const V kept = L::Mul(L::Sub(L::Set(256), sumW), c);
+  return L::template Shift<8>(L::Add(L::Add(kept, L::Set(128)), sumWn));
+}
+
+// The edge smoother's row of L::kWidth results at p.
+template <typename L>
+typename L::V SmoothedLanes(const uint8_t* p, ptrdiff_t stride) {
+  using V = typename L::V;
+  auto row = [&](const uint8_t* q) {
+    return L::Add(L::Add(L::Load(q - 1), L::Load(q + 1)), L::Add(L::Load(q), L::Load(q)));
+  };
+  const V middle = row(p);
+  const V sum = L::Add(L::Add(row(p - stride), row(p + stride)), L::Add(middle, middle));
+  return L::template Shift<4>(L::Add(sum, L::Set(8)));
+}
+
+// A run of `rows` rows: sixteen pixels per row in one 256-bit step or two
+// 128-bit halves, eight in one 128-bit step; each row computed in full
+// before it is stored. Other widths take the plain routine.
+template <typename Lanes, typename RowOf>
+void Run(uint8_t* p, ptrdiff_t stride, int32_t width, int32_t rows, RowOf rowOf, DenoiseRunKernel* plain) {
+  if (width == 8) {
+    for (int32_t y = 0; y < rows; ++y, p += stride) Lanes8::Store(p, rowOf(Lanes8{}, p));
+  } else if (width == 16) {
+#if defined(__AVX2__)
+    if constexpr (Lanes::kWidth == 16) {
+      for (int32_t y = 0; y < rows; ++y, p += stride) Lanes16::Store(p, rowOf(Lanes16{}, p));
+      return;
+    }
+#endif
+    for (int32_t y = 0; y < rows; ++y, p += stride) {
+      const __m128i left = rowOf(Lanes8{}, p), right = rowOf(Lanes8{}, p + 8);
+      Lanes8::Store(p, left);
+      Lanes8::Store(p + 8, right);
+    }
+  } else {
+    plain(p, stride, width, rows);
+  }
+}
+
+template <typename Lanes, typename Weigh>
+void Spatial(uint8_t* p, ptrdiff_t stride, int32_t width, int32_t rows) {
+  Run<Lanes>(
+      p, stride, width, rows,
+      [stride](auto lanes, const uint8_t* q) { return SpatialLanes<decltype(lanes), Weigh>(q, stride); },
+      std::is_same_v<Weigh, WeighA> ? DenoiseSpatialA_c : DenoiseSpatialB_c);
+}
+
+// The edge smoother runs seven pixels wide: eight lanes are computed from
+// loads that stay within columns -1 .. 7 (the right neighbours come from
+// the centre row shifted), and seven bytes stored.
+void EdgeSmoother(uint8_t* p, ptrdiff_t stride, int32_t width, int32_t rows) {
+  if (width != 7) {
+    DenoiseEdgeSmoother_c(p, stride, width, rows);
+    return;
+  }
+  const __m128i zero = _mm_setzero_si128();
+  auto row = [&](const uint8_t* q) {
+    const __m128i centre = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(q));
+    const __m128i left = _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(q - 1)), zero);
+    const __m128i middle = _mm_unpacklo_epi8(centre, zero);
+    const __m128i right = _mm_unpacklo_epi8(_mm_srli_si128(centre, 1), zero);
+    return _mm_add_epi16(_mm_add_epi16(left, right), _mm_add_epi16(middle, middle));
+  };
+  for (int32_t y = 0; y < rows; ++y, p += stride) {
+    const __m128i middle = row(p);
+    const __m128i sum = _mm_add_epi16(_mm_add_epi16(row(p - stride), row(p + stride)), _mm_add_epi16(middle, middle));
+    const __m128i v = _mm_srli_epi16(_mm_add_epi16(sum, _mm_set1_epi16(8)), 4);
+    uint8_t bytes[8];
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(bytes), _mm_packus_epi16(v, v));
+    std::memcpy(p, bytes, 7);
+  }
+}
+
+template <typename Lanes>
+void Blend(uint8_t* cur, ptrdiff_t curStride, const uint8_t* ref, ptrdiff_t refStride, int32_t width, int32_t rows,
+           int32_t weight) {
+  if (width != 8 && width != 16) {
+    DenoiseBlend_c(cur, curStride, ref, refStride, width, rows, weight);
+    return;
+  }
+  const __m128i w = _mm_set1_epi16(static_cast<int16_t>(weight)),
+                rest = _mm_set1_epi16(static_cast<int16_t>(32 - weight));
+  const __m128i zero = _mm_setzero_si128(), half = _mm_set1_epi16(16);
+  auto mix = [&](__m128i c, __m128i r) {
+    return _mm_srli_epi16(_mm_add_epi16(_mm_add_epi16(_mm_mullo_epi16(c, w), _mm_mullo_epi16(r, rest)), half), 5);
+  };
+  for (int32_t y = 0; y < rows; ++y, cur += curStride, ref += refStride) {
+    if (width == 8) {
+      Lanes8::Store(cur, mix(Lanes8::Load(cur), Lanes8::Load(ref)));
+      continue;
+    }
+    const __m128i c = _mm_loadu_si128(reinterpret_cast<const __m128i*>(cur));
+    const __m128i r = _mm_loadu_si128(reinterpret_cast<const __m128i*>(ref));
+    const __m128i lo = mix(_mm_unpacklo_epi8(c, zero), _mm_unpacklo_epi8(r, zero));
+    const __m128i hi = mix(_mm_unpackhi_epi8(c, zero), _mm_unpackhi_epi8(r, zero));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(cur), _mm_packus_epi16(lo, hi));
+  }
+}
+
+// The block test: rows halved with the byte average (which rounds up, as
+// (a + b + 1) >> 1), the SAD with psadbw, the differences of pairs in
+// 16-bit lanes; the 4x4 transform is the plain one.
+bool BlockTest(const uint8_t* ref, ptrdiff_t refStride, const uint8_t* cur, ptrdiff_t curStride, int32_t tac,
+               int32_t tdc, int32_t* cell) {
+  auto halved = [](const uint8_t* p, ptrdiff_t stride, int32_t r) {
+    const __m128i a = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p + 2 * r * stride));
+    const __m128i b = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p + (2 * r + 1) * stride));
+    return _mm_avg_epu8(a, b);
+  };
+  __m128i halfRef[4], halfCur[4];
+  __m128i sadSum = _mm_setzero_si128();
+  for (int32_t r = 0; r < 4; ++r) {
+    halfRef[r] = halved(ref, refStride, r);
+    halfCur[r] = halved(cur, curStride, r);
+    sadSum = _mm_add_epi64(sadSum, _mm_sad_epu8(halfRef[r], halfCur[r]));
+  }
+  const int32_t sad = _mm_cvtsi128_si32(sadSum);
+  if (QuickAnswer(sad, tac, *cell)) return sad < ((7 * tac) >> 4);
+  // Pair sums of ref - cur: madd of the byte differences against ones.
+  const __m128i zero = _mm_setzero_si128(), ones = _mm_set1_epi16(1);
+  int32_t diff[4][4];
+  for (int32_t r = 0; r < 4; ++r) {
+    const __m128i d = _mm_sub_epi16(_mm_unpacklo_epi8(halfRef[r], zero), _mm_unpacklo_epi8(halfCur[r], zero));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(diff[r]), _mm_madd_epi16(d, ones));
+  }
+  *cell = sad;
+  return TransformPasses(diff, tac, tdc);
+}
+
+// Sum of the four 32-bit lanes.
+inline int32_t SumLanes(__m128i v) {
+  v = _mm_add_epi32(v, _mm_shuffle_epi32(v, _MM_SHUFFLE(1, 0, 3, 2)));
+  v = _mm_add_epi32(v, _mm_shuffle_epi32(v, _MM_SHUFFLE(2, 3, 0, 1)));
+  return _mm_cvtsi128_si32(v);
+}
+
+// The noise statistics, a block at a time: its five rows of differences in
+// the low five 16-bit lanes (the loads reach three columns past the block,
+// which the estimator's column limit leaves inside the row), every sum of
+// squares a madd. The squared deviations come from the sums: with m the
+// truncated mean, sum (d - m)^2 = sum d^2 - 2 m sum d + 25 m^2, exactly.
+void NoiseBlockStats(const uint8_t* cur, ptrdiff_t curStride, const uint8_t* ref, ptrdiff_t refStride, int32_t blocks,
+                int32_t* weights, int32_t* variances) {
+  const __m128i zero = _mm_setzero_si128(), bias = _mm_set1_epi16(128), top = _mm_set1_epi16(255);
+  const __m128i five = _mm_setr_epi16(-1, -1, -1, -1, -1, 0, 0, 0), four = _mm_setr_epi16(-1, -1, -1, -1, 0, 0, 0, 0);
+  auto squares = [](__m128i v) { return _mm_madd_epi16(v, v); };
+  for (int32_t i = 0; i < blocks; ++i) {
+    __m128i d[5];
+    for (int32_t r = 0; r < 5; ++r) {
+      const __m128i c =
+          _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(cur + r * curStride + 5 * i)), zero);
+      const __m128i f =
+          _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(ref + r * refStride + 5 * i)), zero);
+      d[r] = _mm_and_si128(_mm_max_epi16(_mm_min_epi16(_mm_add_epi16(_mm_sub_epi16(c, f), bias), top), zero), five);
+    }
+    __m128i sum = zero, sumSq = zero, along = zero, down = zero, diagonal = zero, anti = zero;
+    for (int32_t r = 0; r < 5; ++r) {
+      sum = _mm_add_epi16(sum, d[r]);
+      sumSq = _mm_add_epi32(sumSq, squares(d[r]));
+      along = _mm_add_epi32(along, squares(_mm_and_si128(_mm_sub_epi16(_mm_srli_si128(d[r], 2), d[r]), four)));
+      if (r == 4) break;
+      down = _mm_add_epi32(down, squares(_mm_sub_epi16(d[r + 1], d[r])));
+      diagonal =
+          _mm_add_epi32(diagonal, squares(_mm_and_si128(_mm_sub_epi16(_mm_srli_si128(d[r + 1], 2), d[r]), four)));
+      anti = _mm_add_epi32(anti, squares(_mm_and_si128(_mm_sub_epi16(d[r + 1], _mm_srli_si128(d[r], 2)), four)));
+    }
+    const int32_t total = SumLanes(_mm_madd_epi16(sum, _mm_set1_epi16(1)));
+    const int32_t mean = total / 25;
+    const int32_t deviations = SumLanes(sumSq) - 2 * mean * total + 25 * mean * mean;
+    const BlockStats stats =
+        StatsOfEnergies(deviations, SumLanes(along), SumLanes(down), SumLanes(diagonal), SumLanes(anti));
+    weights[i] = stats.weight;
+    variances[i] = stats.variance;
+  }
+}
+
+// Every kernel at one level; Lanes is the spatial kernels' widest step.
+template <typename Lanes>
+void InstallDenoise(DenoiseKernels* kernels) {
+  kernels->spatialA = Spatial<Lanes, WeighA>;
+  kernels->spatialB = Spatial<Lanes, WeighB>;
+  kernels->edgeSmoother = EdgeSmoother;
+  kernels->blockStats = NoiseBlockStats;
+  kernels->blend = Blend<Lanes>;
+  kernels->blockTest = BlockTest;
+}
+
+}  // namespace
+}  // namespace Lumaforge::x86
+
+#endif  // LUMAFORGE_ENHANCE_KERNELS_X86_DENOISE_SIMD_H_
