@@ -33,14 +33,20 @@ std::string ParamSet::Text(const std::string& name, std::string_view fallback) c
   return it == values_.end() ? std::string(fallback) : it->second;
 }
 
-std::optional<uint32_t> ParamSet::Whole(const std::string& name, uint32_t min, uint32_t max) const {
+std::optional<int64_t> ParamSet::Integer(const std::string& name, int64_t min, int64_t max) const {
   const auto it = values_.find(name);
   if (it == values_.end()) return std::nullopt;
-  const std::optional<uint64_t> value = Number<uint64_t>(it->second);
+  const std::optional<int64_t> value = Number<int64_t>(it->second);
   if (!value) throw ToolError(Quoted(name, it->second) + " is not a whole number");
   if (*value < min || *value > max) {
-    throw ToolError(Quoted(name, it->second) + Range(min, max));
+    throw ToolError(Quoted(name, it->second) + Range(static_cast<double>(min), static_cast<double>(max)));
   }
+  return *value;
+}
+
+std::optional<uint32_t> ParamSet::Whole(const std::string& name, uint32_t min, uint32_t max) const {
+  const std::optional<int64_t> value = Integer(name, min, max);
+  if (!value) return std::nullopt;
   return static_cast<uint32_t>(*value);
 }
 

@@ -23,6 +23,8 @@ class ParamSet {
   std::string Text(const std::string& name, std::string_view fallback) const;
   // Absent: nullopt. Present: a whole number in [min, max].
   std::optional<uint32_t> Whole(const std::string& name, uint32_t min, uint32_t max) const;
+  // The same for signed numbers.
+  std::optional<int64_t> Integer(const std::string& name, int64_t min, int64_t max) const;
   float Real(const std::string& name, float fallback, float min, float max) const;
   // "W:H" with both parts at least 1.
   std::optional<Ratio> AspectRatio(const std::string& name) const;
