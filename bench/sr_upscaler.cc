@@ -55,6 +55,15 @@ LumaPicture I420Frame::Luma() const {
   return luma;
 }
 
+I420Frame I420Frame::Clone() const {
+  I420Frame copy(static_cast<int32_t>(picture.width), static_cast<int32_t>(picture.height));
+  for (int k = 0; k < 3; ++k) {
+    const uint32_t rows = k == 0 ? picture.height : picture.height / 2;
+    std::memcpy(copy.picture.planes[k], picture.planes[k], static_cast<size_t>(picture.strides[k]) * rows);
+  }
+  return copy;
+}
+
 const char* SrModeName(SrMode mode) {
   switch (mode) {
     case SrMode::kStandard2x: return "SR 2x standard";

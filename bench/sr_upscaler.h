@@ -25,6 +25,8 @@ class I420Frame {
   explicit I420Frame(const LumaPicture& luma, const LumaPicture* chroma = nullptr);
 
   LumaPicture Luma() const;
+  // A frame of its own with the same pixels.
+  I420Frame Clone() const;
 
   VideoPicture picture = {};
 
