@@ -2,9 +2,8 @@
 // 16-bit lanes, eight per 128-bit register or sixteen per 256-bit one. The
 // spatial kernels fit unsigned 16 bits throughout: the weights sum to at
 // most 256, so ((256 - sum w) * c + 128 + sum w * n) stays below 2^16.
-// Runs of a width other than 16, 8 or 7, the diagonal transform of the
-// block test and the statistics' final division go to the plain pieces in
-// denoise_rows.h.
+// Runs of a width other than 16, 8 or 7 and the statistics' final division
+// go to the plain pieces in denoise_rows.h.
 #ifndef LUMAFORGE_ENHANCE_KERNELS_X86_DENOISE_SIMD_H_
 #define LUMAFORGE_ENHANCE_KERNELS_X86_DENOISE_SIMD_H_
 
@@ -37,11 +36,12 @@ struct Lanes8 {
   static V Shift(V v) {
     return _mm_srli_epi16(v, kBits);
   }
-  static V AbsDiff(V a, V b) {
+  static V ShiftLeft8(V v) { return _mm_slli_epi16(v, 8); }
+  static V Abs(V v) {
 #if defined(__SSSE3__)
-    return _mm_abs_epi16(_mm_sub_epi16(a, b));
+    return _mm_abs_epi16(v);
 #else
-    return _mm_sub_epi16(_mm_max_epi16(a, b), _mm_min_epi16(a, b));
+    return _mm_max_epi16(v, _mm_sub_epi16(_mm_setzero_si128(), v));
 #endif
   }
   // The lanes as bytes (each 0..255) into 8 bytes at p.
@@ -63,7 +63,8 @@ struct Lanes16 {
   static V Shift(V v) {
     return _mm256_srli_epi16(v, kBits);
   }
-  static V AbsDiff(V a, V b) { return _mm256_abs_epi16(_mm256_sub_epi16(a, b)); }
+  static V ShiftLeft8(V v) { return _mm256_slli_epi16(v, 8); }
+  static V Abs(V v) { return _mm256_abs_epi16(v); }
   static void Store(uint8_t* p, V v) {
     const __m128i bytes = _mm_packus_epi16(_mm256_castsi256_si128(v), _mm256_extracti128_si256(v, 1));
     _mm_storeu_si128(reinterpret_cast<__m128i*>(p), bytes);
@@ -87,65 +88,123 @@ struct WeighB {
   }
 };
 
-// One row of L::kWidth spatial results at p (not stored).
+// The spatial result of L::kWidth pixels from their nine neighbourhood
+// rows: above-left, above, above-right, left, centre, right, below-left,
+// below, below-right. Written as (256 c + 128 + sum w (n - c)) >> 8, the
+// same number: sum w (n - c) stays within +-1216 for kernel A and +-6272
+// for kernel B, and the total within 0 .. 65408, so 16-bit lanes wrapping
+// modulo 2^16 hold it exactly. The three neighbours above (the previous
+// row's results) are added last, to keep them off the start of the chain.
 template <typename L, typename Weigh>
-typename L::V SpatialLanes(const uint8_t* p, ptrdiff_t stride) {
+typename L::V SpatialLanes(const typename L::V (&n)[9]) {
   using V = typename L::V;
-  const V c = L::Load(p);
-  V sumW = L::Set(0), sumWn = L::Set(0);
-  for (const ptrdiff_t offset :
-       {-stride - 1, -stride, -stride + 1, ptrdiff_t{-1}, ptrdiff_t{1}, stride - 1, stride, stride + 1}) {
-    const V n = L::Load(p + offset);
-    const V w = Weigh::template Of<L>(L::AbsDiff(n, c));
-    sumW = L::Add(sumW, w);
-    sumWn = L::Add(sumWn, L::Mul(w, n));
+  const V c = n[4];
+  V sum = L::Add(L::Set(128), L::ShiftLeft8(c));
+  for (const int32_t i : {3, 5, 6, 7, 8, 0, 1, 2}) {
+    const V difference = L::Sub(n[i], c);
+    const V w = Weigh::template Of<L>(L::Abs(difference));
+    sum = L::Add(sum, L::Mul(w, difference));
   }
-  const V kept = L::Mul(L::Sub(L::Set(256), sumW), c);
-  return L::template Shift<8>(L::Add(L::Add(kept, L::Set(128)), sumWn));
+  return L::template Shift<8>(sum);
 }
 
-// The edge smoother's row of L::kWidth results at p.
-template <typename L>
-typename L::V SmoothedLanes(const uint8_t* p, ptrdiff_t stride) {
-  using V = typename L::V;
-  auto row = [&](const uint8_t* q) {
-    return L::Add(L::Add(L::Load(q - 1), L::Load(q + 1)), L::Add(L::Load(q), L::Load(q)));
-  };
-  const V middle = row(p);
-  const V sum = L::Add(L::Add(row(p - stride), row(p + stride)), L::Add(middle, middle));
-  return L::template Shift<4>(L::Add(sum, L::Set(8)));
+// Each row's result stays in registers as the next row's above row: a load
+// of the row just stored, one byte to the side, would wait for the store to
+// complete. Only the above row's outer columns (-1 and the width), which no
+// run of this kernel writes, come from memory.
+
+// Eight pixels per row.
+template <typename Weigh>
+void SpatialRun8(uint8_t* p, ptrdiff_t stride, int32_t rows) {
+  __m128i above = Lanes8::Load(p - stride);
+  for (int32_t y = 0; y < rows; ++y, p += stride) {
+    const __m128i n[9] = {_mm_insert_epi16(_mm_slli_si128(above, 2), p[-stride - 1], 0),
+                          above,
+                          _mm_insert_epi16(_mm_srli_si128(above, 2), p[-stride + 8], 7),
+                          Lanes8::Load(p - 1),
+                          Lanes8::Load(p),
+                          Lanes8::Load(p + 1),
+                          Lanes8::Load(p + stride - 1),
+                          Lanes8::Load(p + stride),
+                          Lanes8::Load(p + stride + 1)};
+    above = SpatialLanes<Lanes8, Weigh>(n);
+    Lanes8::Store(p, above);
+  }
 }
 
-// A run of `rows` rows: sixteen pixels per row in one 256-bit step or two
-// 128-bit halves, eight in one 128-bit step; each row computed in full
-// before it is stored. Other widths take the plain routine.
-template <typename Lanes, typename RowOf>
-void Run(uint8_t* p, ptrdiff_t stride, int32_t width, int32_t rows, RowOf rowOf, DenoiseRunKernel* plain) {
+// Sixteen pixels per row in two 128-bit halves.
+template <typename Weigh>
+void SpatialRun16Halves(uint8_t* p, ptrdiff_t stride, int32_t rows) {
+  __m128i left = Lanes8::Load(p - stride), right = Lanes8::Load(p - stride + 8);
+  for (int32_t y = 0; y < rows; ++y, p += stride) {
+    const __m128i middle = _mm_or_si128(_mm_srli_si128(left, 2), _mm_slli_si128(right, 14));
+    const __m128i leftN[9] = {_mm_insert_epi16(_mm_slli_si128(left, 2), p[-stride - 1], 0),
+                              left,
+                              middle,
+                              Lanes8::Load(p - 1),
+                              Lanes8::Load(p),
+                              Lanes8::Load(p + 1),
+                              Lanes8::Load(p + stride - 1),
+                              Lanes8::Load(p + stride),
+                              Lanes8::Load(p + stride + 1)};
+    const __m128i rightN[9] = {_mm_or_si128(_mm_slli_si128(right, 2), _mm_srli_si128(left, 14)),
+                               right,
+                               _mm_insert_epi16(_mm_srli_si128(right, 2), p[-stride + 16], 7),
+                               Lanes8::Load(p + 7),
+                               Lanes8::Load(p + 8),
+                               Lanes8::Load(p + 9),
+                               Lanes8::Load(p + stride + 7),
+                               Lanes8::Load(p + stride + 8),
+                               Lanes8::Load(p + stride + 9)};
+    left = SpatialLanes<Lanes8, Weigh>(leftN);
+    right = SpatialLanes<Lanes8, Weigh>(rightN);
+    Lanes8::Store(p, left);
+    Lanes8::Store(p + 8, right);
+  }
+}
+
+#if defined(__AVX2__)
+// Sixteen pixels per row in one 256-bit register. The lane shifts cross the
+// register's halves: permute the neighbouring half in, then alignr.
+template <typename Weigh>
+void SpatialRun16(uint8_t* p, ptrdiff_t stride, int32_t rows) {
+  __m256i above = Lanes16::Load(p - stride);
+  for (int32_t y = 0; y < rows; ++y, p += stride) {
+    const __m256i up = _mm256_alignr_epi8(above, _mm256_permute2x128_si256(above, above, 0x08), 14);
+    const __m256i down = _mm256_alignr_epi8(_mm256_permute2x128_si256(above, above, 0x81), above, 2);
+    const __m256i n[9] = {_mm256_or_si256(up, _mm256_zextsi128_si256(_mm_cvtsi32_si128(p[-stride - 1]))),
+                          above,
+                          _mm256_insert_epi16(down, p[-stride + 16], 15),
+                          Lanes16::Load(p - 1),
+                          Lanes16::Load(p),
+                          Lanes16::Load(p + 1),
+                          Lanes16::Load(p + stride - 1),
+                          Lanes16::Load(p + stride),
+                          Lanes16::Load(p + stride + 1)};
+    above = SpatialLanes<Lanes16, Weigh>(n);
+    Lanes16::Store(p, above);
+  }
+}
+#endif
+
+// Sixteen- and eight-pixel runs; other widths take the plain routine.
+template <typename Lanes, typename Weigh>
+void Spatial(uint8_t* p, ptrdiff_t stride, int32_t width, int32_t rows) {
   if (width == 8) {
-    for (int32_t y = 0; y < rows; ++y, p += stride) Lanes8::Store(p, rowOf(Lanes8{}, p));
+    SpatialRun8<Weigh>(p, stride, rows);
   } else if (width == 16) {
 #if defined(__AVX2__)
     if constexpr (Lanes::kWidth == 16) {
-      for (int32_t y = 0; y < rows; ++y, p += stride) Lanes16::Store(p, rowOf(Lanes16{}, p));
+      SpatialRun16<Weigh>(p, stride, rows);
       return;
     }
 #endif
-    for (int32_t y = 0; y < rows; ++y, p += stride) {
-      const __m128i left = rowOf(Lanes8{}, p), right = rowOf(Lanes8{}, p + 8);
-      Lanes8::Store(p, left);
-      Lanes8::Store(p + 8, right);
-    }
+    SpatialRun16Halves<Weigh>(p, stride, rows);
+  } else if (std::is_same_v<Weigh, WeighA>) {
+    DenoiseSpatialA_c(p, stride, width, rows);
   } else {
-    plain(p, stride, width, rows);
+    DenoiseSpatialB_c(p, stride, width, rows);
   }
-}
-
-template <typename Lanes, typename Weigh>
-void Spatial(uint8_t* p, ptrdiff_t stride, int32_t width, int32_t rows) {
-  Run<Lanes>(
-      p, stride, width, rows,
-      [stride](auto lanes, const uint8_t* q) { return SpatialLanes<decltype(lanes), Weigh>(q, stride); },
-      std::is_same_v<Weigh, WeighA> ? DenoiseSpatialA_c : DenoiseSpatialB_c);
 }
 
 // The edge smoother runs seven pixels wide: eight lanes are computed from
@@ -200,9 +259,59 @@ void Blend(uint8_t* cur, ptrdiff_t curStride, const uint8_t* ref, ptrdiff_t refS
   }
 }
 
+// 32-bit lanes holding values that fit 16 bits, times a small constant:
+// madd against (c, 0) pairs.
+inline __m128i TimesConstant(__m128i v, int32_t c) { return _mm_madd_epi16(v, _mm_set1_epi32(c & 0xFFFF)); }
+
+// The low 16 bits of each 32-bit lane, sign-extended: a value kept as a
+// signed 16-bit one.
+inline __m128i AsInt16(__m128i v) { return _mm_srai_epi32(_mm_slli_epi32(v, 16), 16); }
+
+inline __m128i Abs32(__m128i v) {
+#if defined(__SSSE3__)
+  return _mm_abs_epi32(v);
+#else
+  const __m128i sign = _mm_srai_epi32(v, 31);
+  return _mm_sub_epi32(_mm_xor_si128(v, sign), sign);
+#endif
+}
+
+// Rows a, b, c, d of 32-bit lanes transposed in place.
+inline void Transpose4(__m128i& a, __m128i& b, __m128i& c, __m128i& d) {
+  const __m128i ab0 = _mm_unpacklo_epi32(a, b), ab1 = _mm_unpackhi_epi32(a, b);
+  const __m128i cd0 = _mm_unpacklo_epi32(c, d), cd1 = _mm_unpackhi_epi32(c, d);
+  a = _mm_unpacklo_epi64(ab0, cd0), b = _mm_unpackhi_epi64(ab0, cd0);
+  c = _mm_unpacklo_epi64(ab1, cd1), d = _mm_unpackhi_epi64(ab1, cd1);
+}
+
+// sum over i of kBasis[k][i] * v[i], lane by lane.
+inline __m128i Combine(const __m128i v[4], int32_t k) {
+  __m128i sum = TimesConstant(v[0], kBasis[k][0]);
+  for (int32_t i = 1; i < 4; ++i) sum = _mm_add_epi32(sum, TimesConstant(v[i], kBasis[k][i]));
+  return sum;
+}
+
+// The 4x4 transform of TransformPasses on rows of differences, four lanes
+// at a time: the row transform with the differences' columns as vectors,
+// then the column transform on the transposed result.
+inline bool TransformPassesVector(__m128i rows[4], int32_t tac, int32_t tdc) {
+  Transpose4(rows[0], rows[1], rows[2], rows[3]);  // rows[j]: column j over r
+  __m128i t[4];                                    // t[k]: T[r][k] over r
+  for (int32_t k = 0; k < 4; ++k) t[k] = AsInt16(_mm_srai_epi32(Combine(rows, k), 6));
+  Transpose4(t[0], t[1], t[2], t[3]);  // t[r]: T[r][j] over j
+  const __m128i acLimit = _mm_set1_epi32(tac);
+  __m128i over = _mm_setzero_si128();
+  for (int32_t k = 0; k < 4; ++k) {
+    const __m128i magnitude = AsInt16(Abs32(Combine(t, k)));
+    const __m128i limit = k == 0 ? _mm_setr_epi32(tdc, tac, tac, tac) : acLimit;
+    over = _mm_or_si128(over, _mm_cmpgt_epi32(magnitude, limit));
+  }
+  return _mm_movemask_epi8(over) == 0;
+}
+
 // The block test: rows halved with the byte average (which rounds up, as
-// (a + b + 1) >> 1), the SAD with psadbw, the differences of pairs in
-// 16-bit lanes; the 4x4 transform is the plain one.
+// (a + b + 1) >> 1), the SAD with psadbw, the differences of pairs with
+// madd, the transform four lanes at a time.
 bool BlockTest(const uint8_t* ref, ptrdiff_t refStride, const uint8_t* cur, ptrdiff_t curStride, int32_t tac,
                int32_t tdc, int32_t* cell) {
   auto halved = [](const uint8_t* p, ptrdiff_t stride, int32_t r) {
@@ -219,15 +328,15 @@ bool BlockTest(const uint8_t* ref, ptrdiff_t refStride, const uint8_t* cur, ptrd
   }
   const int32_t sad = _mm_cvtsi128_si32(sadSum);
   if (QuickAnswer(sad, tac, *cell)) return sad < ((7 * tac) >> 4);
-  // Pair sums of ref - cur: madd of the byte differences against ones.
+  // Pair sums of ref - cur: madd of the differences against ones.
   const __m128i zero = _mm_setzero_si128(), ones = _mm_set1_epi16(1);
-  int32_t diff[4][4];
+  __m128i diff[4];
   for (int32_t r = 0; r < 4; ++r) {
     const __m128i d = _mm_sub_epi16(_mm_unpacklo_epi8(halfRef[r], zero), _mm_unpacklo_epi8(halfCur[r], zero));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(diff[r]), _mm_madd_epi16(d, ones));
+    diff[r] = _mm_madd_epi16(d, ones);
   }
   *cell = sad;
-  return TransformPasses(diff, tac, tdc);
+  return TransformPassesVector(diff, tac, tdc);
 }
 
 // Sum of the four 32-bit lanes.
@@ -243,7 +352,7 @@ inline int32_t SumLanes(__m128i v) {
 // squares a madd. The squared deviations come from the sums: with m the
 // truncated mean, sum (d - m)^2 = sum d^2 - 2 m sum d + 25 m^2, exactly.
 void NoiseBlockStats(const uint8_t* cur, ptrdiff_t curStride, const uint8_t* ref, ptrdiff_t refStride, int32_t blocks,
-                int32_t* weights, int32_t* variances) {
+                     int32_t* weights, int32_t* variances) {
   const __m128i zero = _mm_setzero_si128(), bias = _mm_set1_epi16(128), top = _mm_set1_epi16(255);
   const __m128i five = _mm_setr_epi16(-1, -1, -1, -1, -1, 0, 0, 0), four = _mm_setr_epi16(-1, -1, -1, -1, 0, 0, 0, 0);
   auto squares = [](__m128i v) { return _mm_madd_epi16(v, v); };
