@@ -54,27 +54,40 @@ struct BlockStats {
 };
 
 // Structure weight from the ratio R = 256 * largest / smallest non-zero
-// energy: 0 up to 282 (about 1.1), rising to 256 at 666 (about 2.6).
-inline int32_t StructureWeight(int64_t largest, int64_t smallest) {
-  if (smallest == 0) return 0;
-  const int64_t ratio = largest * 256 / smallest;
-  if (ratio <= 282) return 0;
-  if (ratio < 666) return static_cast<int32_t>((ratio - 282) * 256 / 383);
-  return 256;
+// energy (truncated; 0 for no such energy): 0 up to 282 (about 1.1), rising
+// to 256 at 666 (about 2.6). Energies stay below 5.3 million, so 256 times
+// one fits 31 bits and the two ends are found by multiplying. In between,
+// R is the quotient in double, truncated: it is exact there, as a quotient
+// below 666 of numbers below 2^31 lies at least 2^-41 of itself from the
+// next integer, far more than a double's rounding. Written without
+// branches: blocks of noise fall on both sides of the ends at random.
+inline int32_t StructureWeight(uint32_t largest, uint32_t smallest) {
+  const uint32_t scaled = largest * 256;
+  const double quotient = static_cast<double>(scaled) / static_cast<double>(smallest ? smallest : 1);
+  const auto ratio = static_cast<int32_t>(quotient < 666.0 ? quotient : 666.0);
+  const int32_t rising = (ratio - 282) * 256 / 383;
+  const int32_t weight = scaled < 283 * smallest ? 0 : scaled >= 666 * smallest ? 256 : rising;
+  return smallest ? weight : 0;
 }
 
 // A block's statistics from the sum of squared deviations from its
-// truncated mean and its four directional sums of squared differences
-// (rows and columns over 20 pairs each, the diagonals over 16).
+// truncated mean and its largest and smallest non-zero energy (0 if none).
+inline BlockStats StatsOfExtremes(int32_t squares, uint32_t largest, uint32_t smallest) {
+  return {StructureWeight(largest, smallest), squares * 256 / 24};
+}
+
+// The same from the four directional sums of squared differences (rows and
+// columns over 20 pairs each, the diagonals over 16), scaled to 80 pairs.
 inline BlockStats StatsOfEnergies(int32_t squares, int32_t along, int32_t down, int32_t diagonal,
                                   int32_t antiDiagonal) {
-  const int64_t energies[4] = {int64_t{4} * along, int64_t{4} * down, int64_t{5} * diagonal, int64_t{5} * antiDiagonal};
-  int64_t largest = 0, smallest = 0;
-  for (const int64_t e : energies) {
+  const uint32_t energies[4] = {4 * static_cast<uint32_t>(along), 4 * static_cast<uint32_t>(down),
+                                5 * static_cast<uint32_t>(diagonal), 5 * static_cast<uint32_t>(antiDiagonal)};
+  uint32_t largest = 0, smallest = 0;
+  for (const uint32_t e : energies) {
     largest = e > largest ? e : largest;
     if (e > 0 && (smallest == 0 || e < smallest)) smallest = e;
   }
-  return {StructureWeight(largest, smallest), squares * 256 / 24};
+  return StatsOfExtremes(squares, largest, smallest);
 }
 
 // The statistics of one 5x5 block of differences d (each 0..255).

@@ -9,6 +9,7 @@
 
 #include <immintrin.h>
 
+#include <climits>
 #include <cstring>
 #include <type_traits>
 
@@ -100,7 +101,9 @@ typename L::V SpatialLanes(const typename L::V (&n)[9]) {
   using V = typename L::V;
   const V c = n[4];
   V sum = L::Add(L::Set(128), L::ShiftLeft8(c));
-  for (const int32_t i : {3, 5, 6, 7, 8, 0, 1, 2}) {
+  constexpr int32_t kOrder[8] = {3, 5, 6, 7, 8, 0, 1, 2};
+#pragma GCC unroll 8
+  for (const int32_t i : kOrder) {
     const V difference = L::Sub(n[i], c);
     const V w = Weigh::template Of<L>(L::Abs(difference));
     sum = L::Add(sum, L::Mul(w, difference));
@@ -287,6 +290,7 @@ inline void Transpose4(__m128i& a, __m128i& b, __m128i& c, __m128i& d) {
 // sum over i of kBasis[k][i] * v[i], lane by lane.
 inline __m128i Combine(const __m128i v[4], int32_t k) {
   __m128i sum = TimesConstant(v[0], kBasis[k][0]);
+#pragma GCC unroll 4
   for (int32_t i = 1; i < 4; ++i) sum = _mm_add_epi32(sum, TimesConstant(v[i], kBasis[k][i]));
   return sum;
 }
@@ -297,10 +301,12 @@ inline __m128i Combine(const __m128i v[4], int32_t k) {
 inline bool TransformPassesVector(__m128i rows[4], int32_t tac, int32_t tdc) {
   Transpose4(rows[0], rows[1], rows[2], rows[3]);  // rows[j]: column j over r
   __m128i t[4];                                    // t[k]: T[r][k] over r
+#pragma GCC unroll 4
   for (int32_t k = 0; k < 4; ++k) t[k] = AsInt16(_mm_srai_epi32(Combine(rows, k), 6));
   Transpose4(t[0], t[1], t[2], t[3]);  // t[r]: T[r][j] over j
   const __m128i acLimit = _mm_set1_epi32(tac);
   __m128i over = _mm_setzero_si128();
+#pragma GCC unroll 4
   for (int32_t k = 0; k < 4; ++k) {
     const __m128i magnitude = AsInt16(Abs32(Combine(t, k)));
     const __m128i limit = k == 0 ? _mm_setr_epi32(tdc, tac, tac, tac) : acLimit;
@@ -321,6 +327,7 @@ bool BlockTest(const uint8_t* ref, ptrdiff_t refStride, const uint8_t* cur, ptrd
   };
   __m128i halfRef[4], halfCur[4];
   __m128i sadSum = _mm_setzero_si128();
+#pragma GCC unroll 4
   for (int32_t r = 0; r < 4; ++r) {
     halfRef[r] = halved(ref, refStride, r);
     halfCur[r] = halved(cur, curStride, r);
@@ -331,6 +338,7 @@ bool BlockTest(const uint8_t* ref, ptrdiff_t refStride, const uint8_t* cur, ptrd
   // Pair sums of ref - cur: madd of the differences against ones.
   const __m128i zero = _mm_setzero_si128(), ones = _mm_set1_epi16(1);
   __m128i diff[4];
+#pragma GCC unroll 4
   for (int32_t r = 0; r < 4; ++r) {
     const __m128i d = _mm_sub_epi16(_mm_unpacklo_epi8(halfRef[r], zero), _mm_unpacklo_epi8(halfCur[r], zero));
     diff[r] = _mm_madd_epi16(d, ones);
@@ -346,44 +354,188 @@ inline int32_t SumLanes(__m128i v) {
   return _mm_cvtsi128_si32(v);
 }
 
-// The noise statistics, a block at a time: its five rows of differences in
-// the low five 16-bit lanes (the loads reach three columns past the block,
-// which the estimator's column limit leaves inside the row), every sum of
-// squares a madd. The squared deviations come from the sums: with m the
-// truncated mean, sum (d - m)^2 = sum d^2 - 2 m sum d + 25 m^2, exactly.
+// The noise statistics' lanes: one 5x5 block in the low five 16-bit lanes
+// of a 128-bit register, or two neighbouring blocks in the two halves of a
+// 256-bit one (every operation used works within 128-bit halves). A row's
+// load reaches three columns past its block, which the estimator's column
+// limit leaves inside the row.
+struct OneBlock {
+  using V = __m128i;
+  static constexpr int32_t kBlocks = 1;
+  static V Row(const uint8_t* p) {
+    return _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)), _mm_setzero_si128());
+  }
+  static V Lanes(int16_t a, int16_t b, int16_t c, int16_t d, int16_t e) {
+    return _mm_setr_epi16(a, b, c, d, e, 0, 0, 0);
+  }
+  static V Set(int16_t v) { return _mm_set1_epi16(v); }
+  static V Zero() { return _mm_setzero_si128(); }
+  static V And(V a, V b) { return _mm_and_si128(a, b); }
+  static V Add16(V a, V b) { return _mm_add_epi16(a, b); }
+  static V Sub16(V a, V b) { return _mm_sub_epi16(a, b); }
+  static V Min16(V a, V b) { return _mm_min_epi16(a, b); }
+  static V Max16(V a, V b) { return _mm_max_epi16(a, b); }
+  static V Add32(V a, V b) { return _mm_add_epi32(a, b); }
+  static V Madd(V a, V b) { return _mm_madd_epi16(a, b); }
+  static V NextLane(V v) { return _mm_srli_si128(v, 2); }
+  static void Sums(V v, int32_t* out) { out[0] = SumLanes(v); }
+  static V UnpackLow32(V a, V b) { return _mm_unpacklo_epi32(a, b); }
+  static V UnpackHigh32(V a, V b) { return _mm_unpackhi_epi32(a, b); }
+  static V UnpackLow64(V a, V b) { return _mm_unpacklo_epi64(a, b); }
+  static V UnpackHigh64(V a, V b) { return _mm_unpackhi_epi64(a, b); }
+  static V Set32(int32_t a, int32_t b, int32_t c, int32_t d) { return _mm_setr_epi32(a, b, c, d); }
+  static V ShiftLeft32(V v) { return _mm_slli_epi32(v, 2); }
+  static V Or(V a, V b) { return _mm_or_si128(a, b); }
+  static V IsZero32(V v) { return _mm_cmpeq_epi32(v, _mm_setzero_si128()); }
+  template <int kOrder>
+  static V Swap(V v) {
+    return _mm_shuffle_epi32(v, kOrder);
+  }
+  // Signed 32-bit maximum and minimum (pmaxsd is SSE4.1).
+  static V Max32(V a, V b) {
+#if defined(__SSE4_1__)
+    return _mm_max_epi32(a, b);
+#else
+    const V greater = _mm_cmpgt_epi32(a, b);
+    return _mm_or_si128(_mm_and_si128(greater, a), _mm_andnot_si128(greater, b));
+#endif
+  }
+  static V Min32(V a, V b) {
+#if defined(__SSE4_1__)
+    return _mm_min_epi32(a, b);
+#else
+    const V greater = _mm_cmpgt_epi32(a, b);
+    return _mm_or_si128(_mm_and_si128(greater, b), _mm_andnot_si128(greater, a));
+#endif
+  }
+  static void FirstLanes(V v, int32_t* out) { out[0] = _mm_cvtsi128_si32(v); }
+};
+
+#if defined(__AVX2__)
+struct TwoBlocks {
+  using V = __m256i;
+  static constexpr int32_t kBlocks = 2;
+  static V Row(const uint8_t* p) {
+    const __m128i both = _mm_unpacklo_epi64(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)),
+                                            _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p + 5)));
+    return _mm256_cvtepu8_epi16(both);
+  }
+  static V Lanes(int16_t a, int16_t b, int16_t c, int16_t d, int16_t e) {
+    return _mm256_setr_epi16(a, b, c, d, e, 0, 0, 0, a, b, c, d, e, 0, 0, 0);
+  }
+  static V Set(int16_t v) { return _mm256_set1_epi16(v); }
+  static V Zero() { return _mm256_setzero_si256(); }
+  static V And(V a, V b) { return _mm256_and_si256(a, b); }
+  static V Add16(V a, V b) { return _mm256_add_epi16(a, b); }
+  static V Sub16(V a, V b) { return _mm256_sub_epi16(a, b); }
+  static V Min16(V a, V b) { return _mm256_min_epi16(a, b); }
+  static V Max16(V a, V b) { return _mm256_max_epi16(a, b); }
+  static V Add32(V a, V b) { return _mm256_add_epi32(a, b); }
+  static V Madd(V a, V b) { return _mm256_madd_epi16(a, b); }
+  static V NextLane(V v) { return _mm256_srli_si256(v, 2); }
+  static void Sums(V v, int32_t* out) {
+    v = _mm256_add_epi32(v, _mm256_shuffle_epi32(v, _MM_SHUFFLE(1, 0, 3, 2)));
+    v = _mm256_add_epi32(v, _mm256_shuffle_epi32(v, _MM_SHUFFLE(2, 3, 0, 1)));
+    FirstLanes(v, out);
+  }
+  static V UnpackLow32(V a, V b) { return _mm256_unpacklo_epi32(a, b); }
+  static V UnpackHigh32(V a, V b) { return _mm256_unpackhi_epi32(a, b); }
+  static V UnpackLow64(V a, V b) { return _mm256_unpacklo_epi64(a, b); }
+  static V UnpackHigh64(V a, V b) { return _mm256_unpackhi_epi64(a, b); }
+  static V Set32(int32_t a, int32_t b, int32_t c, int32_t d) { return _mm256_setr_epi32(a, b, c, d, a, b, c, d); }
+  static V ShiftLeft32(V v) { return _mm256_slli_epi32(v, 2); }
+  static V Or(V a, V b) { return _mm256_or_si256(a, b); }
+  static V IsZero32(V v) { return _mm256_cmpeq_epi32(v, _mm256_setzero_si256()); }
+  template <int kOrder>
+  static V Swap(V v) {
+    return _mm256_shuffle_epi32(v, kOrder);
+  }
+  static V Max32(V a, V b) { return _mm256_max_epi32(a, b); }
+  static V Min32(V a, V b) { return _mm256_min_epi32(a, b); }
+  static void FirstLanes(V v, int32_t* out) {
+    out[0] = _mm_cvtsi128_si32(_mm256_castsi256_si128(v));
+    out[1] = _mm_cvtsi128_si32(_mm256_extracti128_si256(v, 1));
+  }
+};
+#endif
+
+// Each block's largest and smallest non-zero energy (0 if none) from the
+// lane sums of its four directional sums, without leaving the registers:
+// the four sums side by side (a transposing add), scaled to 80 pairs (x4,
+// x4, x5, x5), then the extremes across the lanes. Energies stay below 2^31.
+template <typename B>
+void Extremes(typename B::V along, typename B::V down, typename B::V diagonal, typename B::V anti, int32_t* largest,
+              int32_t* smallest) {
+  using V = typename B::V;
+  const V ab = B::Add32(B::UnpackLow32(along, down), B::UnpackHigh32(along, down));
+  const V cd = B::Add32(B::UnpackLow32(diagonal, anti), B::UnpackHigh32(diagonal, anti));
+  const V sums = B::Add32(B::UnpackLow64(ab, cd), B::UnpackHigh64(ab, cd));
+  const V energies = B::Add32(B::ShiftLeft32(sums), B::And(sums, B::Set32(0, 0, -1, -1)));
+  V most = B::Max32(energies, B::template Swap<_MM_SHUFFLE(1, 0, 3, 2)>(energies));
+  most = B::Max32(most, B::template Swap<_MM_SHUFFLE(2, 3, 0, 1)>(most));
+  // Zeros take part as the largest number, and a minimum of that means none.
+  const V nonZero =
+      B::Or(energies, B::And(B::IsZero32(energies), B::Set32(INT32_MAX, INT32_MAX, INT32_MAX, INT32_MAX)));
+  V least = B::Min32(nonZero, B::template Swap<_MM_SHUFFLE(1, 0, 3, 2)>(nonZero));
+  least = B::Min32(least, B::template Swap<_MM_SHUFFLE(2, 3, 0, 1)>(least));
+  B::FirstLanes(most, largest);
+  B::FirstLanes(least, smallest);
+  for (int32_t k = 0; k < B::kBlocks; ++k) smallest[k] = smallest[k] == INT32_MAX ? 0 : smallest[k];
+}
+
+// The statistics of B::kBlocks blocks from column 0 of the band. The
+// squared deviations come from the sums: with m the truncated mean,
+// sum (d - m)^2 = sum d^2 - 2 m sum d + 25 m^2, exactly.
+template <typename B>
+void StatsOfBlocks(const uint8_t* cur, ptrdiff_t curStride, const uint8_t* ref, ptrdiff_t refStride, int32_t* weights,
+                   int32_t* variances) {
+  using V = typename B::V;
+  const V five = B::Lanes(-1, -1, -1, -1, -1), four = B::Lanes(-1, -1, -1, -1, 0);
+  V d[5];
+#pragma GCC unroll 5
+  for (int32_t r = 0; r < 5; ++r) {
+    const V difference = B::Add16(B::Sub16(B::Row(cur + r * curStride), B::Row(ref + r * refStride)), B::Set(128));
+    d[r] = B::And(B::Max16(B::Min16(difference, B::Set(255)), B::Zero()), five);
+  }
+  auto squares = [](V v) { return B::Madd(v, v); };
+  V sum = B::Zero(), sumSq = B::Zero(), along = B::Zero(), down = B::Zero(), diagonal = B::Zero(), anti = B::Zero();
+#pragma GCC unroll 5
+  for (int32_t r = 0; r < 5; ++r) {
+    sum = B::Add16(sum, d[r]);
+    sumSq = B::Add32(sumSq, squares(d[r]));
+    along = B::Add32(along, squares(B::And(B::Sub16(B::NextLane(d[r]), d[r]), four)));
+    if (r == 4) break;
+    down = B::Add32(down, squares(B::Sub16(d[r + 1], d[r])));
+    diagonal = B::Add32(diagonal, squares(B::And(B::Sub16(B::NextLane(d[r + 1]), d[r]), four)));
+    anti = B::Add32(anti, squares(B::And(B::Sub16(d[r + 1], B::NextLane(d[r])), four)));
+  }
+  int32_t totals[2], sqs[2], largest[2], smallest[2];
+  B::Sums(B::Madd(sum, B::Set(1)), totals);
+  B::Sums(sumSq, sqs);
+  Extremes<B>(along, down, diagonal, anti, largest, smallest);
+  for (int32_t k = 0; k < B::kBlocks; ++k) {
+    const int32_t mean = totals[k] / 25;
+    const int32_t deviations = sqs[k] - 2 * mean * totals[k] + 25 * mean * mean;
+    const BlockStats stats =
+        StatsOfExtremes(deviations, static_cast<uint32_t>(largest[k]), static_cast<uint32_t>(smallest[k]));
+    weights[k] = stats.weight;
+    variances[k] = stats.variance;
+  }
+}
+
+// Two blocks at a time where the level has 256-bit registers.
+template <typename Lanes>
 void NoiseBlockStats(const uint8_t* cur, ptrdiff_t curStride, const uint8_t* ref, ptrdiff_t refStride, int32_t blocks,
                      int32_t* weights, int32_t* variances) {
-  const __m128i zero = _mm_setzero_si128(), bias = _mm_set1_epi16(128), top = _mm_set1_epi16(255);
-  const __m128i five = _mm_setr_epi16(-1, -1, -1, -1, -1, 0, 0, 0), four = _mm_setr_epi16(-1, -1, -1, -1, 0, 0, 0, 0);
-  auto squares = [](__m128i v) { return _mm_madd_epi16(v, v); };
-  for (int32_t i = 0; i < blocks; ++i) {
-    __m128i d[5];
-    for (int32_t r = 0; r < 5; ++r) {
-      const __m128i c =
-          _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(cur + r * curStride + 5 * i)), zero);
-      const __m128i f =
-          _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(ref + r * refStride + 5 * i)), zero);
-      d[r] = _mm_and_si128(_mm_max_epi16(_mm_min_epi16(_mm_add_epi16(_mm_sub_epi16(c, f), bias), top), zero), five);
-    }
-    __m128i sum = zero, sumSq = zero, along = zero, down = zero, diagonal = zero, anti = zero;
-    for (int32_t r = 0; r < 5; ++r) {
-      sum = _mm_add_epi16(sum, d[r]);
-      sumSq = _mm_add_epi32(sumSq, squares(d[r]));
-      along = _mm_add_epi32(along, squares(_mm_and_si128(_mm_sub_epi16(_mm_srli_si128(d[r], 2), d[r]), four)));
-      if (r == 4) break;
-      down = _mm_add_epi32(down, squares(_mm_sub_epi16(d[r + 1], d[r])));
-      diagonal =
-          _mm_add_epi32(diagonal, squares(_mm_and_si128(_mm_sub_epi16(_mm_srli_si128(d[r + 1], 2), d[r]), four)));
-      anti = _mm_add_epi32(anti, squares(_mm_and_si128(_mm_sub_epi16(d[r + 1], _mm_srli_si128(d[r], 2)), four)));
-    }
-    const int32_t total = SumLanes(_mm_madd_epi16(sum, _mm_set1_epi16(1)));
-    const int32_t mean = total / 25;
-    const int32_t deviations = SumLanes(sumSq) - 2 * mean * total + 25 * mean * mean;
-    const BlockStats stats =
-        StatsOfEnergies(deviations, SumLanes(along), SumLanes(down), SumLanes(diagonal), SumLanes(anti));
-    weights[i] = stats.weight;
-    variances[i] = stats.variance;
+  int32_t i = 0;
+#if defined(__AVX2__)
+  if constexpr (Lanes::kWidth == 16) {
+    for (; i + 2 <= blocks; i += 2)
+      StatsOfBlocks<TwoBlocks>(cur + 5 * i, curStride, ref + 5 * i, refStride, weights + i, variances + i);
   }
+#endif
+  for (; i < blocks; ++i)
+    StatsOfBlocks<OneBlock>(cur + 5 * i, curStride, ref + 5 * i, refStride, weights + i, variances + i);
 }
 
 // Every kernel at one level; Lanes is the spatial kernels' widest step.
@@ -392,7 +544,7 @@ void InstallDenoise(DenoiseKernels* kernels) {
   kernels->spatialA = Spatial<Lanes, WeighA>;
   kernels->spatialB = Spatial<Lanes, WeighB>;
   kernels->edgeSmoother = EdgeSmoother;
-  kernels->blockStats = NoiseBlockStats;
+  kernels->blockStats = NoiseBlockStats<Lanes>;
   kernels->blend = Blend<Lanes>;
   kernels->blockTest = BlockTest;
 }
