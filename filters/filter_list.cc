@@ -4,6 +4,7 @@
 #define LUMAFORGE_FILTER_LIST(FILTER) \
   FILTER(kCscDescriptor)              \
   FILTER(kDenoiseDescriptor)          \
+  FILTER(kFastDebandDescriptor)       \
   FILTER(kDownsampleDescriptor)       \
   FILTER(kCropDescriptor)             \
   FILTER(kSuperResolutionDescriptor)  \

@@ -62,22 +62,35 @@ enum PixelFormat : uint32_t {
 // Parameter ids for SetParam/GetParam. One numbering for all filters; each
 // filter accepts the ids listed beside it.
 enum ParamId : int32_t {
-  LF_PARAM_DENOISE_LEVEL = 1,           // SetParam on denoise, int32_t: 0 automatic, 1..4 fixed, -1 pass through
-  LF_PARAM_DENOISE_INTERVAL = 2,        // SetParam on denoise, int32_t frames between estimations (< 1 ignored)
-  LF_PARAM_DENOISE_RESTART = 3,         // SetParam on denoise (value unused but not null): frame count back to 0
-  LF_PARAM_DENOISE_REINIT = 4,          // SetParam on denoise (value unused but not null): re-initialise as I420
-  LF_PARAM_DENOISE_CURRENT_LEVEL = 5,   // GetParam on denoise, int32_t: the level in force
-  LF_PARAM_DENOISE_NOISE_ESTIMATE = 6,  // GetParam on denoise, int32_t: the last noise estimate
-  LF_PARAM_LOG_CALLBACK = 43,         // SetParam, uint64_t: a LumaforgeLogCallback (0 keeps the current one)
-  LF_PARAM_LOG_LEVEL = 44,            // SetParam, int32_t: highest level written, -1 silences
-  LF_PARAM_VIDEO_EFFECT = 45,         // SetParam on the video filter, uint32_t: a VideoEffect
-  LF_PARAM_LOG_USER_VALUE = 49,       // SetParam, uint64_t: first argument of the log callback
-  LF_PARAM_SR_ALTERNATIVE_15 = 50,    // SetParam on super resolution, uint8_t: 1.5x by the alternative kernel
-  LF_PARAM_SR_ENHANCED = 51,          // SetParam on super resolution, uint8_t: 2x by the trained per-class filters
-  LF_PARAM_SR_COEFFICIENT_FILE = 52,  // SetParam on super resolution, char[]: UTF-8 path of superResCoeffs.txt
-  LF_PARAM_TIMING_INTERVAL = 53,      // SetParam, int32_t ms between timing lines (<1 means 10000); answers -1
-  LF_PARAM_TIME_PER_FRAME = 54,       // GetParam, double: microseconds per frame since the last timing line
-  LF_PARAM_CROP_CONFIG = 58,          // SetParam on the crop filter, CropConfig
+  LF_PARAM_DENOISE_LEVEL = 1,            // SetParam on denoise, int32_t: 0 automatic, 1..4 fixed, -1 pass through
+  LF_PARAM_DENOISE_INTERVAL = 2,         // SetParam on denoise, int32_t frames between estimations (< 1 ignored)
+  LF_PARAM_DENOISE_RESTART = 3,          // SetParam on denoise (value unused but not null): frame count back to 0
+  LF_PARAM_DENOISE_REINIT = 4,           // SetParam on denoise (value unused but not null): re-initialise as I420
+  LF_PARAM_DENOISE_CURRENT_LEVEL = 5,    // GetParam on denoise, int32_t: the level in force
+  LF_PARAM_DENOISE_NOISE_ESTIMATE = 6,   // GetParam on denoise, int32_t: the last noise estimate
+  LF_PARAM_DEBAND_SET_DEPTH_Y = 25,      // SetParam on deband, int32_t luma passes 0..4 (others ignored)
+  LF_PARAM_DEBAND_GET_DEPTH_Y = 26,      // GetParam on deband, int32_t
+  LF_PARAM_DEBAND_SET_DEPTH_UV = 27,     // SetParam on deband, int32_t chroma passes 1..4 (others ignored)
+  LF_PARAM_DEBAND_GET_DEPTH_UV = 28,     // GetParam on deband, int32_t
+  LF_PARAM_DEBAND_SET_STRENGTH = 29,     // SetParam on deband, int32_t tap threshold in levels (0: off)
+  LF_PARAM_DEBAND_GET_STRENGTH = 30,     // GetParam on deband, int32_t
+  LF_PARAM_DEBAND_SET_DITHER = 31,       // SetParam on deband, int32_t dither level (0..2: plain rounding)
+  LF_PARAM_DEBAND_GET_DITHER = 32,       // GetParam on deband, int32_t
+  LF_PARAM_DEBAND_SET_LOG2_SIZE = 33,    // SetParam on deband, int32_t log2 of the sampling span
+  LF_PARAM_DEBAND_GET_LOG2_SIZE = 34,    // GetParam on deband, int32_t (id 36 answers the same)
+  LF_PARAM_DEBAND_SET_SEED_METHOD = 35,  // SetParam on deband, int32_t: 1 seed from the frame parity, else random
+  LF_PARAM_DEBAND_SET_AUTO = 37,         // SetParam on deband, int32_t: non-zero chooses strength and size from QPs
+  LF_PARAM_DEBAND_GET_AUTO = 38,         // GetParam on deband, one byte
+  LF_PARAM_LOG_CALLBACK = 43,            // SetParam, uint64_t: a LumaforgeLogCallback (0 keeps the current one)
+  LF_PARAM_LOG_LEVEL = 44,               // SetParam, int32_t: highest level written, -1 silences
+  LF_PARAM_VIDEO_EFFECT = 45,            // SetParam on the video filter, uint32_t: a VideoEffect
+  LF_PARAM_LOG_USER_VALUE = 49,          // SetParam, uint64_t: first argument of the log callback
+  LF_PARAM_SR_ALTERNATIVE_15 = 50,       // SetParam on super resolution, uint8_t: 1.5x by the alternative kernel
+  LF_PARAM_SR_ENHANCED = 51,             // SetParam on super resolution, uint8_t: 2x by the trained per-class filters
+  LF_PARAM_SR_COEFFICIENT_FILE = 52,     // SetParam on super resolution, char[]: UTF-8 path of superResCoeffs.txt
+  LF_PARAM_TIMING_INTERVAL = 53,         // SetParam, int32_t ms between timing lines (<1 means 10000); answers -1
+  LF_PARAM_TIME_PER_FRAME = 54,          // GetParam, double: microseconds per frame since the last timing line
+  LF_PARAM_CROP_CONFIG = 58,             // SetParam on the crop filter, CropConfig
   LF_PARAM_BLUR_SIGMA = 59,  // SetParam/GetParam on the Gaussian blur, float sigma, held to 0.5 .. 1000 (NaN, inf: -2)
 };
 
@@ -95,6 +108,12 @@ enum FilterType : int32_t {
   // record is not used). Levels 1..4 are fixed strengths, 0 chooses them
   // from a noise estimate every LF_PARAM_DENOISE_INTERVAL frames.
   LF_FILTER_DENOISE = 2,
+  // Deband of I420 pictures from the input into the output planes (not in
+  // place; every plane 64-byte aligned): four-tap averages horizontally and
+  // vertically with a strength threshold, and a CRC-32C dither. Init's
+  // config is a FastDebandConfig; the picture's qpMap (one byte per 16x16
+  // block, or null for QP 24) steers the automatic mode.
+  LF_FILTER_FAST_DEBAND = 5,
   // Downsampling of RGB24/BGR24, 32-bit RGB, RGBP, I420 and 8-bit grey (31)
   // pictures to a smaller even size. No configuration; the Init flag 1 makes
   // the filter write into the caller's output planes (copying back when they
@@ -187,6 +206,18 @@ struct DenoiseConfig {
   uint32_t height;  // luma height in pixels
   uint32_t format;  // LF_I420 or LF_YV12
   int32_t level;    // 0 automatic, 1..4 fixed, -1 pass pictures through
+};
+
+// Deband filter (type 5) configuration, for Init.
+struct FastDebandConfig {
+  uint32_t width;
+  uint32_t height;
+  int32_t strength;  // tap threshold in levels (default 8)
+  int32_t dither;    // dither level (default 6: +-1/2 level)
+  int32_t log2Size;  // log2 of the sampling span (default 6)
+  uint32_t format;   // LF_I420
+  int32_t depthY;    // luma passes 0..4
+  int32_t depthUV;   // chroma passes 1..4
 };
 
 // Crop filter (type 16) configuration, for Init and LF_PARAM_CROP_CONFIG.

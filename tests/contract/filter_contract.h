@@ -55,6 +55,8 @@ struct ContractTerms {
   // Bytes of row padding in the test pictures (0 for filters that address
   // rows by the width).
   uint32_t pad = 8;
+  // Planes start on this many bytes (filters that refuse others).
+  uint32_t alignment = 1;
   // Whether the result lands in the input (in-place filters) or the output.
   bool resultInInput = false;
   uint32_t writesInput = kNoFields;

@@ -100,8 +100,8 @@ class FilterContract : public testing::TestWithParam<const FilterDescriptor*> {
   // and the guards, and returns the result bytes.
   Result Run(Session& session, uint8_t flag, const ContractFrame& f, uint32_t seed) {
     const FormatReading reading = descriptor_->reading;
-    GuardedPicture in(f.inFormat, reading, f.inWidth, f.inHeight, terms_.pad);
-    GuardedPicture out(f.outFormat, reading, f.outWidth, f.outHeight, terms_.pad);
+    GuardedPicture in(f.inFormat, reading, f.inWidth, f.inHeight, terms_.pad, terms_.alignment);
+    GuardedPicture out(f.outFormat, reading, f.outWidth, f.outHeight, terms_.pad, terms_.alignment);
     in.FillRandom(seed);
     out.FillRandom(~seed);
     const VideoPicture inBefore = in.picture, outBefore = out.picture;
@@ -198,8 +198,8 @@ TEST_P(FilterContract, DocumentedRefusals) {
       Session session(terms_, flag);
       const FormatReading reading = descriptor_->reading;
       const ContractFrame& f = refusal.frame;
-      GuardedPicture in(f.inFormat, reading, f.inWidth, f.inHeight, terms_.pad);
-      GuardedPicture out(f.outFormat, reading, f.outWidth, f.outHeight, terms_.pad);
+      GuardedPicture in(f.inFormat, reading, f.inWidth, f.inHeight, terms_.pad, terms_.alignment);
+      GuardedPicture out(f.outFormat, reading, f.outWidth, f.outHeight, terms_.pad, terms_.alignment);
       in.FillRandom(7);
       out.FillRandom(8);
       VideoPicture* inRecord = &in.picture;
@@ -221,8 +221,8 @@ TEST_P(FilterContract, NoHeapAllocationOnceAGeometryIsSeen) {
     for (const ContractFrame& f : terms_.frames) {
       Session session(terms_, flag);
       const FormatReading reading = descriptor_->reading;
-      GuardedPicture in(f.inFormat, reading, f.inWidth, f.inHeight, terms_.pad);
-      GuardedPicture out(f.outFormat, reading, f.outWidth, f.outHeight, terms_.pad);
+      GuardedPicture in(f.inFormat, reading, f.inWidth, f.inHeight, terms_.pad, terms_.alignment);
+      GuardedPicture out(f.outFormat, reading, f.outWidth, f.outHeight, terms_.pad, terms_.alignment);
       const VideoPicture inRecord = in.picture, outRecord = out.picture;
       auto process = [&] {
         in.picture = inRecord;

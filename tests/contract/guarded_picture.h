@@ -18,8 +18,9 @@ inline constexpr uint8_t kGuardValue = 0xA5;
 
 class GuardedPicture {
  public:
-  // Strides are the row bytes plus `pad`.
-  GuardedPicture(uint32_t format, FormatReading reading, uint32_t width, uint32_t height, uint32_t pad)
+  // Strides are the row bytes plus `pad`; planes start on `alignment` bytes.
+  GuardedPicture(uint32_t format, FormatReading reading, uint32_t width, uint32_t height, uint32_t pad,
+                 uint32_t alignment = 1)
       : layout_(LayoutOf(format, reading, width, height)) {
     std::memset(&picture, 0, sizeof(picture));
     picture.width = width;
@@ -37,8 +38,11 @@ class GuardedPicture {
     for (int32_t k = 0; k < layout_.planes; ++k) {
       picture.strides[k] = static_cast<uint32_t>(layout_.plane[k].rowBytes) + pad;
       const size_t bytes = layout_.PlaneBytes(k, picture.strides[k]);
-      blocks_[k].assign(bytes + 2 * kGuardBytes, kGuardValue);
-      picture.planes[k] = blocks_[k].data() + kGuardBytes;
+      blocks_[k].assign(bytes + 2 * kGuardBytes + alignment, kGuardValue);
+      const auto address = reinterpret_cast<uintptr_t>(blocks_[k].data() + kGuardBytes);
+      starts_[k] = kGuardBytes + (alignment - address % alignment) % alignment;
+      ends_[k] = starts_[k] + bytes;
+      picture.planes[k] = blocks_[k].data() + starts_[k];
     }
   }
   GuardedPicture(const GuardedPicture&) = delete;
@@ -47,7 +51,7 @@ class GuardedPicture {
   void FillRandom(uint32_t seed) {
     for (int32_t k = 0; k < layout_.planes; ++k) {
       uint8_t* plane = picture.planes[k];
-      for (size_t i = 0, n = blocks_[k].size() - 2 * kGuardBytes; i < n; ++i) {
+      for (size_t i = 0, n = ends_[k] - starts_[k]; i < n; ++i) {
         seed = seed * 1664525u + 1013904223u;
         plane[i] = static_cast<uint8_t>(seed >> 24);
       }
@@ -57,8 +61,8 @@ class GuardedPicture {
   bool GuardsIntact() const {
     for (int32_t k = 0; k < layout_.planes; ++k) {
       const std::vector<uint8_t>& b = blocks_[k];
-      for (size_t i = 0; i < kGuardBytes; ++i) {
-        if (b[i] != kGuardValue || b[b.size() - 1 - i] != kGuardValue) return false;
+      for (size_t i = 0; i < b.size(); ++i) {
+        if ((i < starts_[k] || i >= ends_[k]) && b[i] != kGuardValue) return false;
       }
     }
     return true;
@@ -77,6 +81,8 @@ class GuardedPicture {
  private:
   PlaneLayout layout_;
   std::vector<uint8_t> blocks_[3];
+  // Where each plane lies in its block; everything else is guard.
+  size_t starts_[3] = {}, ends_[3] = {};
 };
 
 // The pixel bytes a record points at (rows of each plane of `layout`, without

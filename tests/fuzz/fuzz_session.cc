@@ -52,11 +52,14 @@ PlaneLayout PlanesOf(const RecordShape& shape, FormatReading reading) {
 }
 
 // A picture whose planes are separate heap blocks of exactly stride x rows
-// bytes (plus the chosen start offset), freed with the picture.
+// bytes (plus the chosen start offset), freed with the picture. With an
+// alignment above 1 the blocks start on it and the offset is rounded up to
+// a multiple of it.
 class HeapPicture {
  public:
   HeapPicture(const RecordShape& planes, const RecordShape& stated, FormatReading reading, uint32_t pad,
-              uint32_t offset, uint8_t seed) {
+              uint32_t offset, uint8_t seed, uint32_t alignment) {
+    offset = (offset + alignment - 1) / alignment * alignment;
     std::memset(&record, 0, sizeof(record));
     record.format = stated.format;
     record.width = stated.width;
@@ -66,7 +69,10 @@ class HeapPicture {
       const uint64_t stride = layout.plane[k].rowBytes + pad;
       const size_t bytes = static_cast<size_t>(stride * layout.plane[k].height);
       // malloc(0) may answer null; a plane of no bytes still gets a block.
-      blocks_[k] = static_cast<uint8_t*>(std::malloc(offset + bytes + (offset + bytes == 0)));
+      const size_t size = offset + bytes + (offset + bytes == 0);
+      blocks_[k] = static_cast<uint8_t*>(
+          alignment > 1 ? std::aligned_alloc(alignment, (size + alignment - 1) / alignment * alignment)
+                        : std::malloc(size));
       if (!blocks_[k]) std::abort();
       record.planes[k] = blocks_[k] + offset;
       record.strides[k] = static_cast<uint32_t>(stride);
@@ -217,8 +223,9 @@ int32_t FuzzSession::Process(const FuzzTerms& terms, const FrameChoice& f, ByteS
   const FilterDescriptor& descriptor = *FindFilterDescriptor(terms.type);
   // The record a filter keeps a pointer to lives until the next frame's.
   if (terms.configPerFrame) Init(terms, choose, flags_[terms.type], f.output.stated);
-  HeapPicture in(f.input, f.input, descriptor.reading, f.inPad, f.inOffset, f.seed);
-  HeapPicture out(f.output.planes, f.output.stated, descriptor.reading, f.outPad, f.outOffset, f.seed ^ 0x5A);
+  HeapPicture in(f.input, f.input, descriptor.reading, f.inPad, f.inOffset, f.seed, terms.planeAlignment);
+  HeapPicture out(f.output.planes, f.output.stated, descriptor.reading, f.outPad, f.outOffset, f.seed ^ 0x5A,
+                  terms.planeAlignment);
   std::vector<uint8_t> qpMap;
   if (terms.readsQpMap && f.seed & 1) {
     qpMap.assign(size_t{(f.input.width + 15) / 16} * ((f.input.height + 15) / 16), static_cast<uint8_t>(f.seed % 52));

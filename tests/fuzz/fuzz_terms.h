@@ -78,6 +78,8 @@ struct FuzzTerms {
   // the input's is.
   bool checksOutput = true;
   bool checksOutputFormat = false;
+  // Planes start on this many bytes (filters that refuse others).
+  uint32_t planeAlignment = 1;
 };
 
 // An output of the input's shape, planes and fields alike.
