@@ -11,6 +11,7 @@ namespace Lumaforge::cli {
 
 std::unique_ptr<Step> MakeCscStep(const ParamSet& params, bool verbose);
 std::unique_ptr<Step> MakeDenoiseStep(const ParamSet& params, bool verbose);
+std::unique_ptr<Step> MakeDebandStep(const ParamSet& params, bool verbose);
 std::unique_ptr<Step> MakeCropStep(const ParamSet& params, bool verbose);
 std::unique_ptr<Step> MakeDownsampleStep(const ParamSet& params, bool verbose);
 std::unique_ptr<Step> MakeUpsampleStep(const ParamSet& params, bool verbose);
