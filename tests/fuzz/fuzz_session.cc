@@ -2,6 +2,9 @@
 
 #include <cstdlib>
 #include <cstring>
+#if defined(_WIN32)
+#include <malloc.h>
+#endif
 
 #include "framework/plane_layout.h"
 #include "tests/environment.h"
@@ -51,6 +54,24 @@ PlaneLayout PlanesOf(const RecordShape& shape, FormatReading reading) {
   return layout;
 }
 
+// Heap blocks starting on `alignment` bytes (a power of two), of `size`
+// rounded up to it.
+void* AlignedBlock(size_t alignment, size_t size) {
+  size = (size + alignment - 1) / alignment * alignment;
+#if defined(_WIN32)
+  return _aligned_malloc(size, alignment);
+#else
+  return std::aligned_alloc(alignment, size);
+#endif
+}
+void FreeAlignedBlock(void* block) {
+#if defined(_WIN32)
+  _aligned_free(block);
+#else
+  std::free(block);
+#endif
+}
+
 // A picture whose planes are separate heap blocks of exactly stride x rows
 // bytes (plus the chosen start offset), freed with the picture. With an
 // alignment above 1 the blocks start on it and the offset is rounded up to
@@ -60,6 +81,7 @@ class HeapPicture {
   HeapPicture(const RecordShape& planes, const RecordShape& stated, FormatReading reading, uint32_t pad,
               uint32_t offset, uint8_t seed, uint32_t alignment) {
     offset = (offset + alignment - 1) / alignment * alignment;
+    aligned_ = alignment > 1;
     std::memset(&record, 0, sizeof(record));
     record.format = stated.format;
     record.width = stated.width;
@@ -70,9 +92,7 @@ class HeapPicture {
       const size_t bytes = static_cast<size_t>(stride * layout.plane[k].height);
       // malloc(0) may answer null; a plane of no bytes still gets a block.
       const size_t size = offset + bytes + (offset + bytes == 0);
-      blocks_[k] = static_cast<uint8_t*>(
-          alignment > 1 ? std::aligned_alloc(alignment, (size + alignment - 1) / alignment * alignment)
-                        : std::malloc(size));
+      blocks_[k] = static_cast<uint8_t*>(alignment > 1 ? AlignedBlock(alignment, size) : std::malloc(size));
       if (!blocks_[k]) std::abort();
       record.planes[k] = blocks_[k] + offset;
       record.strides[k] = static_cast<uint32_t>(stride);
@@ -80,7 +100,13 @@ class HeapPicture {
     }
   }
   ~HeapPicture() {
-    for (uint8_t* block : blocks_) std::free(block);
+    for (uint8_t* block : blocks_) {
+      if (aligned_) {
+        FreeAlignedBlock(block);
+      } else {
+        std::free(block);
+      }
+    }
   }
   HeapPicture(const HeapPicture&) = delete;
   HeapPicture& operator=(const HeapPicture&) = delete;
@@ -89,6 +115,7 @@ class HeapPicture {
 
  private:
   uint8_t* blocks_[3] = {};
+  bool aligned_ = false;
 };
 
 // Reads every byte a record says it holds, so that a record pointing at
