@@ -119,6 +119,7 @@ inline __m128i Levels8(__m128i sum, __m128i squaresLo, __m128i squaresHi) {
   const __m128i lo = scaled(_mm_unpacklo_epi16(sum, zero), squaresLo);
   const __m128i hi = scaled(_mm_unpackhi_epi16(sum, zero), squaresHi);
   __m128i levelLo = zero, levelHi = zero;
+#pragma GCC unroll 15
   for (int32_t level = 0; level < kSrLevels - 1; ++level) {
     const __m128i below = _mm_set1_epi32(SrLevelBoundary(level) - 1);
     levelLo = _mm_sub_epi32(levelLo, _mm_cmpgt_epi32(lo, below));
@@ -134,11 +135,14 @@ inline void Classes8(const RowTriple& rows, int32_t x, int16_t* classes) {
   const __m128i zero = _mm_setzero_si128();
   __m128i v[kSrTaps];
   int32_t k = 0;
+#pragma GCC unroll 3
   for (const uint8_t* row : {rows.above, rows.row, rows.below}) {
+#pragma GCC unroll 3
     for (int32_t dx = -1; dx <= 1; ++dx)
       v[k++] = _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(row + x + dx)), zero);
   }
   __m128i lo = v[0], hi = v[0], sum = zero, squaresLo = zero, squaresHi = zero;
+#pragma GCC unroll 9
   for (k = 0; k < kSrTaps; ++k) {
     lo = _mm_min_epi16(lo, v[k]);
     hi = _mm_max_epi16(hi, v[k]);
@@ -149,6 +153,7 @@ inline void Classes8(const RowTriple& rows, int32_t x, int16_t* classes) {
   }
   const __m128i threshold = _mm_srli_epi16(_mm_add_epi16(lo, hi), 1);
   __m128i cls = Levels8(sum, squaresLo, squaresHi);
+#pragma GCC unroll 9
   for (k = 0; k < kSrTaps; ++k)
     cls = _mm_or_si128(cls, _mm_and_si128(_mm_cmpgt_epi16(v[k], threshold), _mm_set1_epi16(kSrLevels << k)));
   const __m128i flat = _mm_cmplt_epi16(_mm_sub_epi16(hi, lo), _mm_set1_epi16(kSrFlatRange));
@@ -169,6 +174,7 @@ inline __m256i Levels16(__m256i sum, __m256i squaresLo, __m256i squaresHi) {
   const __m256i lo = scaled(_mm256_unpacklo_epi16(sum, zero), squaresLo);
   const __m256i hi = scaled(_mm256_unpackhi_epi16(sum, zero), squaresHi);
   __m256i levelLo = zero, levelHi = zero;
+#pragma GCC unroll 15
   for (int32_t level = 0; level < kSrLevels - 1; ++level) {
     const __m256i below = _mm256_set1_epi32(SrLevelBoundary(level) - 1);
     levelLo = _mm256_sub_epi32(levelLo, _mm256_cmpgt_epi32(lo, below));
@@ -182,11 +188,14 @@ inline void Classes16(const RowTriple& rows, int32_t x, int16_t* classes) {
   const __m256i zero = _mm256_setzero_si256();
   __m256i v[kSrTaps];
   int32_t k = 0;
+#pragma GCC unroll 3
   for (const uint8_t* row : {rows.above, rows.row, rows.below}) {
+#pragma GCC unroll 3
     for (int32_t dx = -1; dx <= 1; ++dx)
       v[k++] = _mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(row + x + dx)));
   }
   __m256i lo = v[0], hi = v[0], sum = zero, squaresLo = zero, squaresHi = zero;
+#pragma GCC unroll 9
   for (k = 0; k < kSrTaps; ++k) {
     lo = _mm256_min_epi16(lo, v[k]);
     hi = _mm256_max_epi16(hi, v[k]);
@@ -197,6 +206,7 @@ inline void Classes16(const RowTriple& rows, int32_t x, int16_t* classes) {
   }
   const __m256i threshold = _mm256_srli_epi16(_mm256_add_epi16(lo, hi), 1);
   __m256i cls = Levels16(sum, squaresLo, squaresHi);
+#pragma GCC unroll 9
   for (k = 0; k < kSrTaps; ++k)
     cls =
         _mm256_or_si256(cls, _mm256_and_si256(_mm256_cmpgt_epi16(v[k], threshold), _mm256_set1_epi16(kSrLevels << k)));
