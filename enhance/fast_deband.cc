@@ -119,6 +119,7 @@ bool CFastDeband::PrepareQpList(uint32_t width, uint32_t height) {
   if (!list) return false;
   std::memset(list, kDefaultQp, count);
   m_uQpCount = static_cast<uint32_t>(count);
+  m_uQpWidth = width, m_uQpHeight = height;
   m_bQpListAllocated = true;
   return true;
 }
@@ -179,8 +180,11 @@ int32_t CFastDeband::Process(VideoPicture* input, VideoPicture* output) {
   // quantiser list of its own.
   if (!input->width || !input->height || uint64_t{input->width} * input->height > kMaxPlaneBytes)
     return LF_INVALID_PARAMETER;
+  // Also when the list was cut for another picture than this one (a frame
+  // of the configured size after one of another size): the picture's own
+  // map is read over the list's count.
   if (!m_bQpListAllocated || static_cast<int32_t>(input->width) != m_iWidth ||
-      static_cast<int32_t>(input->height) != m_iHeight) {
+      static_cast<int32_t>(input->height) != m_iHeight || input->width != m_uQpWidth || input->height != m_uQpHeight) {
     if (!PrepareQpList(input->width, input->height)) return LF_SETUP_ALLOC_FAILED;
   }
   // -5: the output must be a picture of its own of the same size.

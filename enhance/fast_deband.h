@@ -57,6 +57,7 @@ class CFastDeband : public CLumaforgeFramework {
   // One byte per quantiser block; kept and grown, refilled when set up.
   WorkBlock m_QpList;
   uint32_t m_uQpCount = 0;
+  uint32_t m_uQpWidth = 0, m_uQpHeight = 0;  // the picture the list was cut for
   bool m_bQpListAllocated = false;
   // Average QP of the last 16 frames, newest first.
   uint8_t m_QpHistory[16] = {};
