@@ -2,7 +2,6 @@
 
 #include <libyuv.h>
 
-#include <cmath>
 #include <cstring>
 #include <string>
 
@@ -109,16 +108,6 @@ LumaPicture Cropped(const LumaPicture& picture, int32_t width, int32_t height) {
     std::memcpy(&corner.pixels[static_cast<size_t>(y) * width], &picture.pixels[static_cast<size_t>(y) * picture.width],
                 width);
   return corner;
-}
-
-double Psnr(const LumaPicture& a, const LumaPicture& b) {
-  double squares = 0;
-  for (size_t i = 0; i < a.pixels.size(); ++i) {
-    const double d = static_cast<double>(a.pixels[i]) - b.pixels[i];
-    squares += d * d;
-  }
-  if (squares == 0) return 100.0;
-  return 10.0 * std::log10(255.0 * 255.0 * static_cast<double>(a.pixels.size()) / squares);
 }
 
 }  // namespace Lumaforge::bench

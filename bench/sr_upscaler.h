@@ -11,6 +11,7 @@
 
 #include "lumaforge/lumaforge.h"
 #include "tools/sr_train/luma_picture.h"
+#include "tools/sr_train/upscalers.h"
 
 namespace Lumaforge::bench {
 
@@ -68,8 +69,8 @@ LumaPicture LibyuvBilinear(const LumaPicture& source, int32_t width, int32_t hei
 
 // Copies `picture`'s top-left `width` x `height` corner.
 LumaPicture Cropped(const LumaPicture& picture, int32_t width, int32_t height);
-// 10 log10(255^2 / mean squared difference); 100 for identical pictures.
-double Psnr(const LumaPicture& a, const LumaPicture& b);
+// Luma PSNR, as the coefficient trainer measures it.
+using sr_train::Psnr;
 
 }  // namespace Lumaforge::bench
 
